@@ -1,0 +1,34 @@
+# Plug-ins: one loadable module each, without a prefix, linked to what every plug-in may use.
+
+# playfile_add_plugin(TARGET FILE_NAME FOLDER SOURCE...): FOLDER/FILE_NAME.so, if there is a source.
+function(playfile_add_plugin target file_name folder)
+    if(NOT ARGN)
+        return()
+    endif()
+    add_library(${target} MODULE ${ARGN})
+    playfile_link(${target} playfile playfile_host)
+    set_target_properties(${target} PROPERTIES
+        PREFIX ""
+        OUTPUT_NAME "${file_name}"
+        LIBRARY_OUTPUT_DIRECTORY "${folder}"
+        INSTALL_RPATH "$ORIGIN/../..")
+endfunction()
+
+playfile_glob(sources plugins/synth/*.cpp)
+playfile_add_plugin(playfile_plugin_synth synth "${PLAYFILE_PLUGIN_DIR}" ${sources})
+
+playfile_glob(sources plugins/ffmpeg/*.cpp)
+playfile_add_plugin(playfile_plugin_ffmpeg ffmpeg "${PLAYFILE_PLUGIN_DIR}" ${sources})
+if(TARGET playfile_plugin_ffmpeg)
+    pkg_check_modules(PLAYFILE_FFMPEG REQUIRED IMPORTED_TARGET
+        libavformat libavcodec libavutil libswscale)
+    target_link_libraries(playfile_plugin_ffmpeg PRIVATE PkgConfig::PLAYFILE_FFMPEG)
+endif()
+
+# All plug-ins that the running of a program may need.
+add_custom_target(playfile_plugins)
+foreach(plugin synth ffmpeg)
+    if(TARGET playfile_plugin_${plugin})
+        add_dependencies(playfile_plugins playfile_plugin_${plugin})
+    endif()
+endforeach()

@@ -1,0 +1,50 @@
+# The command, the examples and the benches: all in bin/, next to the libraries they find.
+
+# playfile_add_program(TARGET FILE_NAME SOURCE...): a program, if there is a source.
+function(playfile_add_program target file_name)
+    if(NOT ARGN)
+        return()
+    endif()
+    add_executable(${target} ${ARGN})
+    playfile_link(${target} playfile playfile_host playfile_store)
+    target_link_libraries(${target} PRIVATE Threads::Threads)
+    add_dependencies(${target} playfile_plugins)
+    set_target_properties(${target} PROPERTIES
+        OUTPUT_NAME "${file_name}"
+        INSTALL_RPATH "$ORIGIN/../lib")
+endfunction()
+
+playfile_glob(sources tools/playfile/*.cpp)
+playfile_add_program(playfile_cli playfile ${sources})
+if(TARGET playfile_cli)
+    find_package(CLI11 REQUIRED)
+    find_package(nlohmann_json REQUIRED)
+    find_package(PNG REQUIRED)
+    target_link_libraries(playfile_cli PRIVATE CLI11::CLI11 nlohmann_json::nlohmann_json PNG::PNG)
+endif()
+
+playfile_glob(sources examples/*.cpp)
+foreach(source IN LISTS sources)
+    cmake_path(GET source STEM name)
+    if(name MATCHES "_plugin$")
+        playfile_add_plugin(example_${name} ${name} "${CMAKE_BINARY_DIR}/examples/plugins" ${source})
+    else()
+        playfile_add_program(example_${name} example_${name} ${source})
+    endif()
+endforeach()
+
+playfile_glob(sources bench/micro/*.cpp)
+playfile_add_program(playfile_micro playfile_micro ${sources})
+if(TARGET playfile_micro)
+    find_package(benchmark REQUIRED)
+    target_link_libraries(playfile_micro PRIVATE benchmark::benchmark)
+endif()
+
+playfile_glob(sources bench/workload/*.cpp)
+playfile_add_program(playfile_workload playfile_workload ${sources})
+if(TARGET playfile_workload)
+    find_package(CLI11 REQUIRED)
+    pkg_check_modules(PLAYFILE_WORKLOAD_FFMPEG REQUIRED IMPORTED_TARGET
+        libavformat libavcodec libavutil libswscale)
+    target_link_libraries(playfile_workload PRIVATE CLI11::CLI11 PkgConfig::PLAYFILE_WORKLOAD_FFMPEG)
+endif()
