@@ -1,0 +1,217 @@
+#!/usr/bin/env bash
+# Makes the project's own test media with the ffmpeg program.
+#
+#   scripts/make-test-media.sh DIR [NAME...]
+#
+# Without names everything is made. What is there and younger than this script is left alone; a file
+# appears under its name only when it is whole, so that two runs at once do no harm.
+#
+# Every frame of the video clips bears its number: the top 16 lines hold 12 cells of 16 pixels, cell
+# i (from the left, from 0) is white where bit i of the frame's number, counted from 0 in display
+# order, is set, and black where it is not.
+set -euo pipefail
+
+if [ $# -lt 1 ] || [ "${1#-}" != "$1" ]; then
+    sed -n '2,/^set /s/^# \{0,1\}//p' "$0" | sed '/^set /d'
+    exit 2
+fi
+if ! command -v ffmpeg >/dev/null; then
+    echo "make-test-media: the ffmpeg program is missing; run scripts/install-deps.sh" >&2
+    exit 1
+fi
+
+script=$(readlink -f "$0")
+mkdir -p "$1"
+dir=$(cd "$1" && pwd)
+shift
+scratch=$(mktemp -d "$dir/.making-XXXXXX")
+trap 'rm -rf "$scratch"' EXIT
+
+run() { ffmpeg -hide_banner -loglevel error -nostdin -y "$@" </dev/null; }
+
+# stamped WIDTHxHEIGHT RATE FRAMES PIXEL_FORMAT: a lossless master with the stamp in it; sets $master.
+stamped() {
+    master="$scratch/master-$1-${2//\//_}-$3-$4.mkv"
+    [ -e "$master" ] && return
+    local bit="mod(floor(N/pow(2,floor(X/16))),2)" strip="lt(X,192)*lt(Y,16)"
+    run -f lavfi -i "testsrc2=size=$1:rate=$2,format=yuv444p" -frames:v "$3" -vf "
+        split[whole][top]; [top]crop=192:16:0:0,
+        geq=lum='16+219*$bit':cb=128:cr=128[stamp]; [whole][stamp]overlay=0:0:format=yuv444,
+        format=$4" -c:v ffv1 -level 3 -g 1 "$master"
+}
+
+# sound SECONDS: two different tones; sets $tone.
+sound() {
+    tone="$scratch/tone-$1.wav"
+    [ -e "$tone" ] && return
+    run -f lavfi -i "sine=frequency=440:sample_rate=48000:duration=$1" \
+        -f lavfi -i "sine=frequency=660:sample_rate=48000:duration=$1" \
+        -filter_complex "[0][1]join=inputs=2:channel_layout=stereo" -c:a pcm_s16le "$tone"
+}
+
+x264=(-c:v libx264 -preset fast -threads 2)
+exact=(-fflags +bitexact -flags:v +bitexact -map_metadata -1)
+
+h264() { # OUT, then encoder options
+    stamped 320x180 25 100 yuv420p
+    run -i "$master" "${x264[@]}" "${exact[@]}" "${@:2}" "$1"
+}
+
+make_demo.mp4() {
+    stamped 640x360 25 250 yuv420p
+    sound 10
+    run -i "$master" -i "$tone" "${x264[@]}" -g 50 -bf 3 -crf 23 -c:a aac -b:a 128k "${exact[@]}" \
+        -color_primaries bt709 -color_trc bt709 -colorspace bt709 -movflags +faststart "$1"
+}
+make_h264-bframes-aac.mp4() {
+    sound 4
+    stamped 320x180 25 100 yuv420p
+    run -i "$master" -i "$tone" "${x264[@]}" -g 24 -bf 3 -x264-params b-pyramid=normal \
+        -c:a aac "${exact[@]}" "$1"
+}
+make_h264-open-gop.mp4() { h264 "$1" -g 20 -keyint_min 20 -sc_threshold 0 -bf 3 -x264-params open-gop=1; }
+make_h264-one-long-gop.mp4() { h264 "$1" -g 1000 -keyint_min 1000 -sc_threshold 0 -bf 2; }
+make_h264-intra.mov() { h264 "$1" -g 1; }
+make_h264-one-frame.mp4() { h264 "$1" -frames:v 1; }
+make_h264-full-range-bt601.mp4() {
+    h264 "$1" -vf "scale=in_range=limited:out_range=full" -color_range pc -color_primaries smpte170m \
+        -color_trc smpte170m -colorspace smpte170m
+}
+make_h264-high10-bt2020-pq.mp4() {
+    stamped 320x180 24000/1001 48 yuv420p10le
+    run -i "$master" "${x264[@]}" "${exact[@]}" -color_primaries bt2020 -color_trc smpte2084 \
+        -colorspace bt2020nc "$1"
+}
+make_h264-29.97-timecode.mov() {
+    stamped 320x180 30000/1001 60 yuv420p
+    run -i "$master" "${x264[@]}" "${exact[@]}" -timecode "01:00:00;00" "$1"
+}
+# Copied from between two key frames: the container hides the frames before frame 37.
+make_h264-edit-list.mp4() {
+    make_h264-bframes-aac.mp4 "$scratch/whole.mp4"
+    run -ss 1.48 -i "$scratch/whole.mp4" -c copy "${exact[@]}" "$1"
+}
+make_h264-rotated-90.mp4() {
+    h264 "$scratch/upright.mp4" -bf 2
+    run -i "$scratch/upright.mp4" -c copy -metadata:s:v:0 rotate=90 "$1"
+}
+make_h264-anamorphic.mp4() { h264 "$1" -vf setsar=4/3; }
+make_h264-raw.h264() { h264 "$1" -g 24 -bf 3 -f h264; }
+make_h264-mpegts.ts() { h264 "$1" -g 24 -bf 3 -f mpegts; }
+make_h264-matroska.mkv() { h264 "$1" -g 24 -bf 3; }
+make_h264-fragmented.mp4() { h264 "$1" -g 24 -bf 3 -movflags +frag_keyframe+empty_moov; }
+make_h264-varying-rate.mp4() {
+    stamped 320x180 25 100 yuv420p
+    run -i "$master" -vf "setpts='(N+if(mod(N,5),0.5,0)+3*floor(N/25))/(25*TB)'" -fps_mode passthrough \
+        -enc_time_base 1/1000 -video_track_timescale 1000 "${x264[@]}" -bf 2 "${exact[@]}" "$1"
+}
+make_h264-interlaced.mp4() { h264 "$1" -vf setfield=tff -flags +ilme+ildct -x264-params tff=1; }
+make_hevc-open-gop.mp4() {
+    grep -q libx265 <<<"$(ffmpeg -hide_banner -encoders 2>/dev/null)" || return 77
+    stamped 320x180 25 100 yuv420p
+    run -i "$master" -c:v libx265 -preset fast -tag:v hvc1 "${exact[@]}" \
+        -x265-params "keyint=25:min-keyint=25:open-gop=1:bframes=4:log-level=error" "$1"
+}
+make_prores-422-pcm.mov() {
+    stamped 320x180 25 50 yuv422p10le
+    sound 2
+    run -i "$master" -i "$tone" -c:v prores_ks -profile:v standard -c:a pcm_s16le "${exact[@]}" "$1"
+}
+make_prores-4444-alpha.mov() {
+    stamped 320x180 24 24 yuva444p10le
+    run -i "$master" -c:v prores_ks -profile:v 4444 -pix_fmt yuva444p10le "${exact[@]}" "$1"
+}
+dnxhr() {
+    stamped 320x180 25 50 yuv422p
+    run -i "$master" -c:v dnxhd -profile:v dnxhr_sq "${exact[@]}" "$1"
+}
+make_dnxhr-sq.mov() { dnxhr "$1"; }
+make_dnxhr-sq.mxf() { dnxhr "$1"; }
+make_mjpeg.mov() {
+    stamped 320x180 25 50 yuvj420p
+    run -i "$master" -c:v mjpeg -q:v 3 "${exact[@]}" "$1"
+}
+make_png.mov() {
+    stamped 320x180 25 25 rgb24
+    run -i "$master" -c:v png "${exact[@]}" "$1"
+}
+make_rawvideo-uyvy.mov() {
+    stamped 320x180 25 10 uyvy422
+    run -i "$master" -c:v rawvideo "${exact[@]}" "$1"
+}
+make_mpeg2-interlaced.ts() {
+    stamped 720x576 25 50 yuv420p
+    sound 2
+    run -i "$master" -i "$tone" -vf setfield=tff -c:v mpeg2video -b:v 2M -g 12 -bf 2 \
+        -flags:v +ildct+ilme+bitexact -fflags +bitexact -c:a mp2 "$1"
+}
+make_mpeg2-program-stream.mpg() {
+    stamped 320x180 25 50 yuv420p
+    run -i "$master" -c:v mpeg2video -b:v 1M -g 12 -bf 2 "${exact[@]}" "$1"
+}
+make_vp9.webm() {
+    stamped 320x180 25 50 yuv420p
+    run -i "$master" -c:v libvpx-vp9 -deadline realtime -cpu-used 8 -b:v 300k -g 25 "${exact[@]}" "$1"
+}
+make_two-videos.mp4() {
+    stamped 320x180 25 50 yuv420p
+    local first=$master
+    stamped 192x108 30 60 yuv420p
+    run -i "$first" -i "$master" -map 0 -map 1 "${x264[@]}" "${exact[@]}" "$1"
+}
+make_still.png() { stamped 320x180 25 10 rgb24 && run -i "$master" -frames:v 1 -update 1 "$1"; }
+make_still.jpg() { stamped 320x180 25 50 yuvj420p && run -i "$master" -frames:v 1 -update 1 "$1"; }
+make_still.tiff() { stamped 320x180 25 10 rgb24 && run -i "$master" -frames:v 1 -update 1 "$1"; }
+# A numbered sequence that starts at 0; the name is that of its folder.
+make_sequence-png() {
+    stamped 320x180 25 10 rgb24
+    mkdir "$1"
+    run -i "$master" -start_number 0 "$1/frame-%04d.png"
+}
+make_tone.wav() { sound 2 && cp "$tone" "$1"; }
+make_tone-cover-art.mp3() {
+    sound 2
+    make_still.png "$scratch/cover.png"
+    run -i "$tone" -i "$scratch/cover.png" -map 0 -map 1 -c:a libmp3lame -c:v copy \
+        -disposition:v attached_pic "${exact[@]}" "$1"
+}
+make_video-and-cover-art.mp4() {
+    make_h264-bframes-aac.mp4 "$scratch/covered.mp4"
+    make_still.jpg "$scratch/cover.jpg"
+    run -i "$scratch/covered.mp4" -i "$scratch/cover.jpg" -map 0 -map 1 -c copy \
+        -disposition:v:1 attached_pic "${exact[@]}" "$1"
+}
+make_text-named.mov() { echo "These are words and no pictures." >"$1"; }
+make_empty.mp4() { : >"$1"; }
+
+all=$(declare -F | sed -n 's/^declare -f make_//p')
+for name in "${@:-$all}"; do
+    for each in $name; do
+        if ! declare -F "make_$each" >/dev/null; then
+            echo "make-test-media: no medium is called '$each'; there are:" $all >&2
+            exit 2
+        fi
+        if [ -e "$dir/$each" ] && [ "$dir/$each" -nt "$script" ]; then
+            continue
+        fi
+        # A shell of its own, so that its first failing command ends it and the code can be seen here.
+        set +e
+        (
+            set -e
+            "make_$each" "$scratch/$each"
+        )
+        code=$?
+        set -e
+        if [ $code = 77 ]; then
+            echo "left out $each: this ffmpeg has no encoder for it"
+            continue
+        elif [ $code != 0 ]; then
+            echo "make-test-media: $each could not be made (ffmpeg said why above)" >&2
+            exit 1
+        fi
+        rm -rf "${dir:?}/$each"
+        mv -T "$scratch/$each" "$dir/$each"
+        touch "$dir/$each"
+        echo "made $dir/$each"
+    done
+done
