@@ -1,0 +1,101 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "ole/Ox/OxObject.h"
+#include "ole/Ox/OxString.h"
+
+/// An open file.
+///
+/// Threads  One at a time.
+/// Units    Sizes and positions are bytes.
+class iFile : public virtual iObject {
+public:
+    /// What may lie there before: 0 opens only a file that exists.
+    enum eOpenBehaviour : std::uint32_t { existingOnly = 0, createAlways = 1, openOrCreate = 2 };
+    /// What others may do meanwhile: 1 lets them open the file too.
+    enum eShareMode : std::uint32_t { exclusive = 0, shared = 1 };
+    /// Access is a mask.
+    static constexpr std::uint32_t readAccess = 1;
+    static constexpr std::uint32_t writeAccess = 2;
+
+    /// The bytes read, fewer than asked for at the end of the file or on an error.
+    virtual std::uint32_t read(void* buffer, std::uint32_t byteCount) = 0;
+    /// The bytes written, fewer than asked for on an error.
+    virtual std::uint32_t write(void const* buffer, std::uint32_t byteCount) = 0;
+    /// Moves to an absolute offset; false if the system refuses it.
+    virtual bool setPosition(std::uint64_t offset) = 0;
+    [[nodiscard]] virtual std::uint64_t getPosition() const = 0;
+};
+
+/// Every file operation of the library goes through this interface.
+///
+/// Threads  Any. All operations may block for as long as the file system does.
+/// Errors   As each operation says; the reason is the OS object's last error.
+class iFileManager {
+public:
+    /// The outcome of a copy.
+    enum eCopyRC : std::uint32_t {
+        copied = 0,
+        copyNoFolder = 1,        ///< not from `copyFile`: the folder can't be made
+        copyCannotAccess = 2,    ///< the source can't be read or the destination not be made
+        copyStopped = 3,         ///< the callback said so
+        copyFailed = 4,          ///< no space, or an error on the way
+        copyNoDestination = 5,   ///< not from `copyFile`: the destination is empty
+    };
+
+    /// Told of a copy's progress on the calling thread; 0 stops the copy.
+    using CopyProgress = int (*)(void* context, unsigned long copiedBytes, unsigned long totalBytes);
+
+    /// One entry of a folder.
+    struct DirectoryItem {
+        /// The full path from `getFileInfo`, the bare name from `findFiles`.
+        LightweightString<wchar_t> name;
+        std::uint32_t attributes = 0;
+        std::uint64_t size = 0;
+        std::uint64_t created = 0;
+        std::uint64_t modified = 0;
+    };
+
+    virtual ~iFileManager() = default;
+
+    /// Copies a file; `replaceExisting` false makes an existing destination a failure (2).
+    [[nodiscard]] virtual eCopyRC copyFile(LightweightString<wchar_t> const& source,
+                                           LightweightString<wchar_t> const& destination,
+                                           bool replaceExisting, CopyProgress progress, void* context) = 0;
+    /// `replaceExisting` false makes an existing target a failure.
+    [[nodiscard]] virtual bool renameFile(LightweightString<wchar_t> const& from,
+                                          LightweightString<wchar_t> const& to, bool replaceExisting) = 0;
+    virtual bool deleteFile(LightweightString<wchar_t> const& path) = 0;
+    [[nodiscard]] virtual bool fileExists(LightweightString<wchar_t> const& path) = 0;
+    /// True if the path names a place in a remote store and not in a file system of this machine.
+    [[nodiscard]] virtual bool isRemote(LightweightString<wchar_t> const& path) = 0;
+    /// What is there; `size` is 0 for a missing file.
+    [[nodiscard]] virtual DirectoryItem getFileInfo(LightweightString<wchar_t> const& path) = 0;
+    /// Makes a folder and those above it; true also if it exists already.
+    [[nodiscard]] virtual bool createDirectory(LightweightString<wchar_t> const& path) = 0;
+    [[nodiscard]] virtual wchar_t getPathSeparator() const = 0;
+
+    /// Opens a file; empty on failure.
+    ///
+    /// @param access     mask of `iFile::readAccess` and `iFile::writeAccess`
+    /// @param behaviour  an `iFile::eOpenBehaviour`
+    /// @param share      an `iFile::eShareMode`
+    /// @param option     always 0
+    [[nodiscard]] virtual Ox::Ptr<iFile> openFile(LightweightString<wchar_t> const& name,
+                                                  std::uint32_t access, std::uint32_t behaviour,
+                                                  std::uint32_t share, std::uint32_t option = 0) = 0;
+    /// Bytes; 0 for a missing file.
+    [[nodiscard]] virtual std::uint64_t getFileSize(LightweightString<wchar_t> const& path) = 0;
+    /// The name as the system sees it once its volume is mounted.
+    [[nodiscard]] virtual LightweightString<wchar_t>
+    getMountedFilename(LightweightString<wchar_t> const& name) = 0;
+    /// The name made fit for display: path and extension kept, control characters replaced.
+    [[nodiscard]] virtual LightweightString<wchar_t>
+    getDisplayFilename(LightweightString<wchar_t> const& name) = 0;
+};
+
+/// Puts `manager` in force for the whole process, null for the host's own, and gives back the one
+/// before. It isn't owned and must live until it is replaced and nobody is inside it.
+iFileManager* installFileManager(iFileManager* manager) noexcept;

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "ole/Ox/OxObject.h"
+#include "toolkit/catalogue/Cookie.h"
+#include "toolkit/services/ConfigB.h"
+
+/// A clip of the clip database.
+///
+/// Threads  Any; an implementation takes its locks innermost.
+class Edit : public virtual iObject {
+public:
+    /// The decode settings stored with the clip; null if it has none. The result lives as long as the
+    /// edit is open.
+    [[nodiscard]] virtual configb const* getDecodeSettings() const = 0;
+};
+
+/// The clip database: opens the clips that `EditPtr` names.
+///
+/// Threads  Any; called with locks of the library held, so it calls nobody back.
+class iEditStore {
+public:
+    virtual ~iEditStore() = default;
+    /// The clip of an edit cookie; empty if there is none.
+    [[nodiscard]] virtual Ox::Ptr<Edit> open(Cookie const& cookie) = 0;
+    /// Told once for each clip that `open` gave.
+    virtual void close(Edit& edit) = 0;
+
+    [[nodiscard]] static iEditStore* instance() noexcept;
+    /// Puts `store` in force, null for the host's own, and gives back the one before. Not owned.
+    static iEditStore* install(iEditStore* store) noexcept;
+};
+
+/// A clip held open. An empty one is harmless.
+///
+/// Threads  One at a time.
+class EditPtr {
+public:
+    EditPtr() = default;
+    EditPtr(EditPtr const&) = delete;
+    EditPtr& operator=(EditPtr const&) = delete;
+    ~EditPtr() { i_close(); }
+
+    /// Closes what was open and opens the clip of `cookie`; afterwards empty if there is none.
+    void i_open(Cookie const& cookie, int option = 0);
+    void i_close();
+
+    explicit operator bool() const { return static_cast<bool>(edit_); }
+    Edit* operator->() const { return edit_.get(); }
+    [[nodiscard]] Edit* get() const { return edit_.get(); }
+
+private:
+    Ox::Ptr<Edit> edit_;
+    iEditStore* store_ = nullptr;
+};

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <vector>
+
+#include "ole/Ox/OxObject.h"
+#include "toolkit/image/DecodeFormat.h"
+#include "toolkit/image/Surface.h"
+#include "toolkit/image/VideoDecompressionInfo.h"
+
+/// One or more frames that a read has brought.
+///
+/// Its `DecodeFormat` says what was asked for; what was delivered stands in its surfaces.
+///
+/// Threads  `decompressStatus` is handled atomically by any thread; the rest is set before the buffer
+///          is handed out.
+class FrameBufferRep : public virtual iObject {
+public:
+    /// The values of `decompressStatus`.
+    enum eStatus : std::uint32_t {
+        waiting = 1,  ///< nobody has decompressed it
+        claimed = 2,  ///< somebody is about to
+        done = 3,
+        failed = 4,
+    };
+
+    /// One frame, waiting for decompression.
+    FrameBufferRep(Ox::Image::Surface const& surface, std::uint32_t frame);
+
+    /// Copies the surface of a frame to `surface`; false, with `surface` untouched, if there is none.
+    bool getSurface(std::uint16_t index, Ox::Image::Surface& surface) const;
+    [[nodiscard]] std::uint32_t getNumFrames() const;
+    /// The number, in the file's numbering, of the first frame.
+    [[nodiscard]] std::uint32_t getStartValidFrameIndex() const { return startFrame_; }
+
+    void setDecompressComplete(eStatus status) { decompressStatus.store(status); }
+    [[nodiscard]] VideoDecompressionInfo const& getVideoDecompressionInfo() const { return info_; }
+    void setVideoDecompressionInfo(VideoDecompressionInfo const& info) { info_ = info; }
+
+    std::atomic<std::uint32_t> decompressStatus{waiting};
+    DecodeFormat decodeFormat;
+
+private:
+    std::vector<Ox::Image::Surface> surfaces_;
+    std::uint32_t startFrame_;
+    VideoDecompressionInfo info_;
+};

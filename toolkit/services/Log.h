@@ -1,0 +1,25 @@
+#pragma once
+
+#include "ole/Ox/OxString.h"
+
+/// Where finished log lines go.
+///
+/// Threads  Any; called without a lock of the log. A line may hold several line feeds or none.
+class iLogSink {
+public:
+    virtual ~iLogSink() = default;
+    /// @param text  UTF-8
+    virtual void writeToConsole(LightweightString<char> const& text) = 0;
+    virtual void writeToLog(LightweightString<char> const& text) = 0;
+};
+
+/// Puts `sink` in force, null for the host's own (standard error, and the file of `setLogFile`), and
+/// gives back the one before. Not owned.
+iLogSink* installLogSink(iLogSink* sink) noexcept;
+
+/// Formats like printf and writes to console and log. `%ls` is written as UTF-8 in any locale.
+void LogBoth(char const* format, ...) __attribute__((format(printf, 1, 2)));
+/// The same to the log alone.
+void Log(char const* format, ...) __attribute__((format(printf, 1, 2)));
+/// The same to the console alone.
+void zorn_printf(char const* format, ...) __attribute__((format(printf, 1, 2)));

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "ole/Ox/OxString.h"
+
+/// The folder of a path with its closing separator; empty if the path has none.
+[[nodiscard]] LightweightString<wchar_t> getPath(LightweightString<wchar_t> const& path);
+/// The extension of the last component, without its full stop unless `withDot`; empty if none.
+[[nodiscard]] LightweightString<wchar_t> getExtension(LightweightString<wchar_t> const& path,
+                                                      bool withDot = false);
+/// The last component.
+[[nodiscard]] LightweightString<wchar_t> stripPath(LightweightString<wchar_t> const& path);
+/// Forwards to the file manager in force.
+[[nodiscard]] bool fileExists(LightweightString<wchar_t> const& path);

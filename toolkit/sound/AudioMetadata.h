@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+
+#include "ole/Ox/OxString.h"
+
+namespace Aud {
+
+/// The format of one audio stream.
+///
+/// Units  Samples are counted per channel.
+struct Metadata {
+    std::uint32_t channels = 0;
+    /// The reader's number for the form of a sample; 0 for not known.
+    std::uint32_t sampleFormat = 0;
+    std::uint32_t bytesPerSample = 0;
+    std::uint32_t bitsPerSample = 0;
+    /// Samples of one codec frame; 0 or 1 for streams that aren't compressed.
+    std::uint32_t samplesPerCodecFrame = 0;
+    double sampleRate = 0.0;
+    /// The codec's name in lower case ("aac", "pcm_s24le").
+    LightweightString<char> codec;
+    bool isCompressed = false;
+
+    [[nodiscard]] bool isCompressedFormat() const { return isCompressed; }
+    [[nodiscard]] bool isAAC() const { return codec == LightweightString<char>("aac"); }
+};
+
+} // namespace Aud
