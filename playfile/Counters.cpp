@@ -1,0 +1,6 @@
+#include "playfile/Counters.h"
+
+PlayFileCounters& playFileCounters() noexcept {
+    static constinit PlayFileCounters counters;
+    return counters;
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+/// What the library has done since the process began, for those who look inside.
+///
+/// Threads  Relaxed atomics: each number is exact, but two read one after the other needn't match.
+struct PlayFileCounters {
+    std::atomic<std::uint64_t> cacheHits{0};
+    std::atomic<std::uint64_t> filesOpened{0};
+    std::atomic<std::uint64_t> opensFailed{0};
+    std::atomic<std::uint64_t> filesEvicted{0};
+    std::atomic<std::uint64_t> requestsQueued{0};
+    std::atomic<std::uint64_t> requestsMerged{0};
+    std::atomic<std::uint64_t> requestsDropped{0};
+    std::atomic<std::uint64_t> framesRead{0};
+    std::atomic<std::uint64_t> framesFailed{0};
+
+    static void add(std::atomic<std::uint64_t>& counter) { counter.fetch_add(1, std::memory_order_relaxed); }
+};
+
+/// The counters of this process.
+[[nodiscard]] PlayFileCounters& playFileCounters() noexcept;

@@ -1,0 +1,64 @@
+/// The part of an open file that has to do with its video queue.
+#include "files/FileReadInstance.h"
+#include "playfile/Counters.h"
+#include "toolkit/services/TimedTask.h"
+#include "video/QueuePools.h"
+#include "video/VideoReadQueue.h"
+#include "video/VideoReadRequest.h"
+
+FileReadInstance::FileReadInstance(LightweightString<wchar_t> const& name, DecodeFormat const& format,
+                                   OpenType type)
+    : PlayFile(name), openType(type), decodeFormat(format) {}
+
+FileReadInstance::~FileReadInstance() {
+    if (videoQueue_) {
+        Ox::giveBack(videoQueuePool(), videoQueue_);
+        releaseQueue(videoQueue_);
+    }
+}
+
+/// The lock is held across the forwarding, so that requests of one file enter its queue one by one.
+unsigned int FileReadInstance::queueReadRequest(Ox::Ptr<VideoReadRequest>& request) {
+    ScopedLock const scope(lock);
+    if (!videoQueue_ && (openType.mask() & OpenType::video) != 0) {
+        videoQueue_ = videoQueuePool().getItem();
+        hasVideoQueue_.store(true, std::memory_order_release);
+    }
+    return videoQueue_->queueReadRequest(request);
+}
+
+void FileReadInstance::purge() {
+    if (hasVideoQueue_.load(std::memory_order_acquire)) {
+        videoQueue_->purge();
+    }
+}
+
+void FileReadInstance::limitUsage() {
+    if (hasVideoQueue_.load(std::memory_order_acquire)) {
+        videoQueue_->limitUsage();
+    }
+}
+
+void FileReadInstance::readVideo(Ox::Ptr<VideoReadRequest>& request) {
+    static Ox::Ptr<TimedTaskBase> const task = TimedTaskManager::createTimedTask("Video");
+    TimedSection const section(task, "read");
+    Ox::Ptr<FrameBufferRep> buffer;
+    switch (readVideo(buffer, request)) {
+    case frameRead:
+        PlayFileCounters::add(playFileCounters().framesRead);
+        request->setResultBuffer(buffer);
+        request->requestHasCompleted(requestComplete);
+        break;
+    case takenOver:
+        PlayFileCounters::add(playFileCounters().framesRead);
+        break;
+    default:
+        PlayFileCounters::add(playFileCounters().framesFailed);
+        request->requestHasCompleted(requestFailed);
+        break;
+    }
+}
+
+unsigned int FileReadInstance::readVideo(Ox::Ptr<FrameBufferRep>&, Ox::Ptr<VideoReadRequest>&) {
+    return noFrame;
+}

@@ -1,0 +1,28 @@
+#include "video/IssuersT.h"
+
+IssuersT::IssuersT(Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer) {
+    if (issuer) {
+        issuers_.insert(issuer);
+    }
+}
+
+void IssuersT::doCallbacks(Ox::Ptr<iObject>& result, RequestStatus status) {
+    ScopedLock const scope(lock_);
+    for (Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer : issuers_) {
+        Ox::Ptr<ReadRequestIssuer::Proxy> const held(issuer);
+        held->notify(result, status);
+    }
+    issuers_.clear();
+}
+
+void IssuersT::addIssuersFrom(IssuersT const& other) {
+    ScopedLock const scope(lock_);
+    issuers_.insert(other.issuers_.begin(), other.issuers_.end());
+}
+
+bool IssuersT::empty() { return size() == 0; }
+
+std::size_t IssuersT::size() {
+    ScopedLock const scope(lock_);
+    return issuers_.size();
+}
