@@ -35,15 +35,20 @@ void FileReadInstance::updateMetadataFrom(Ox::Ptr<PlayFileMetadataRep> const& ot
 
 void FileReadInstance::recalculateSize(unsigned int, unsigned int&) {}
 
-LightweightVector<Ox::Ptr<GenericParam::iParam>> FileReadInstance::getDecodeOptions(Ox::Ptr<FileReadInstance>) {
+LightweightVector<Ox::Ptr<GenericParam::iParam>> FileReadInstance::getDecodeOptions(
+    Ox::Ptr<FileReadInstance>) {
     return {};
 }
 
-configb FileReadInstance::getDecodeOptionValues() { return {}; }
+configb FileReadInstance::getDecodeOptionValues() {
+    return {};
+}
 
 void FileReadInstance::setDecodeOptionValues(configb const&) {}
 
-unsigned int FileReadInstance::queueReadRequest(Ox::Ptr<AudioReadRequest>&) { return oxFailure; }
+unsigned int FileReadInstance::queueReadRequest(Ox::Ptr<AudioReadRequest>&) {
+    return oxFailure;
+}
 
 void FileReadInstance::readAudio(Ox::Ptr<AudioReadRequest>&) {}
 

@@ -21,7 +21,7 @@ class VideoReadRequest;
 namespace Ox {
 class FileWriterParams;
 class VideoReadQueue;
-} // namespace Ox
+}  // namespace Ox
 
 /// One media file opened for reading, for one `OpenType`: the base of every reader.
 ///
@@ -40,8 +40,8 @@ class FileReadInstance : public PlayFile {
 public:
     /// What the two-argument `readVideo` may answer; the numbers match `RequestStatus`.
     enum eReadResult : std::uint32_t {
-        takenOver = requestTakenUp, ///< the reader completes the request itself, later
-        frameRead = requestComplete, ///< the frame is in the buffer
+        takenOver = requestTakenUp,   ///< the reader completes the request itself, later
+        frameRead = requestComplete,  ///< the frame is in the buffer
         noFrame = requestFailed,
     };
 
@@ -62,8 +62,8 @@ public:
     virtual void recalculateSize(unsigned int value, unsigned int& size);
 
     /// The settings that the reader takes for decoding; empty without any.
-    [[nodiscard]] virtual LightweightVector<Ox::Ptr<GenericParam::iParam>>
-    getDecodeOptions(Ox::Ptr<FileReadInstance> self);
+    [[nodiscard]] virtual LightweightVector<Ox::Ptr<GenericParam::iParam>> getDecodeOptions(
+        Ox::Ptr<FileReadInstance> self);
     [[nodiscard]] virtual configb getDecodeOptionValues();
     virtual void setDecodeOptionValues(configb const& values);
 
@@ -91,8 +91,7 @@ public:
     [[nodiscard]] virtual OxResult extractFiles(LightweightString<wchar_t> const& source,
                                                 LightweightString<wchar_t> const& target,
                                                 Cookie const& cookie, OpenType type,
-                                                Ox::FileWriterParams const& params,
-                                                LoggerHandle& log) const;
+                                                Ox::FileWriterParams const& params, LoggerHandle& log) const;
 
     /// Lets go of every finished read of the video queue.
     virtual void purge();

@@ -32,8 +32,8 @@ PlayFileCache::~PlayFileCache() {
 }
 
 Ox::Ptr<FileReadInstance> PlayFileCache::open(LightweightString<wchar_t> const& filename,
-                                              Cookie const& cookie, DecodeFormat const& format,
-                                              OpenType type, unsigned int streamIndex) {
+                                              Cookie const& cookie, DecodeFormat const& format, OpenType type,
+                                              unsigned int streamIndex) {
     CacheEntry const key{filename, type};
     Ox::Ptr<FileReadInstance> file;
     {
@@ -76,12 +76,12 @@ std::uint64_t PlayFileCache::getSampleCount(Cookie const& cookie) {
         return 0;
     }
     switch (cookie.type()) {
-    case 'V':
-        return file->metadata->videoSampleCount;
-    case 'S':
-        return file->metadata->audioSampleCount;
-    default:
-        return 0;
+        case 'V':
+            return file->metadata->videoSampleCount;
+        case 'S':
+            return file->metadata->audioSampleCount;
+        default:
+            return 0;
     }
 }
 
@@ -125,8 +125,8 @@ Ox::Ptr<FileReadInstance> PlayFileCache::openUnderAccess(CacheEntry const& key, 
 /// handle is held meanwhile, so that the volume stays mounted; whether it could be had doesn't matter.
 Ox::Ptr<FileReadInstance> PlayFileCache::openReal(CacheEntry const& key, Cookie const& cookie,
                                                   DecodeFormat const& format, unsigned int streamIndex) {
-    Ox::Ptr<iFile> const handle = OS()->getFileManager().openFile(
-        key.filename, iFile::readAccess, iFile::existingOnly, iFile::shared, 0);
+    Ox::Ptr<iFile> const handle = OS()->getFileManager().openFile(key.filename, iFile::readAccess,
+                                                                  iFile::existingOnly, iFile::shared, 0);
     addToQuarantine(key.filename, key.type);
     Ox::Ptr<FileReadInstance> file = PlayUtil::openRead(key.filename, format, key.type, streamIndex);
     ScopedLock const scope(cacheLock_);
@@ -159,4 +159,6 @@ void PlayFileCache::applyDecodeSettings(Cookie const& cookie, FileReadInstance& 
     edit.i_close();
 }
 
-void PlayFileCache::stamp(FileReadInstance& file) { file.lastUse = ++useCounter_; }
+void PlayFileCache::stamp(FileReadInstance& file) {
+    file.lastUse = ++useCounter_;
+}

@@ -13,7 +13,7 @@ bool findClipFile(Cookie const& cookie, LightweightString<wchar_t>& filename) {
                                                       DecodeFormat::getDefault());
 }
 
-} // namespace
+}  // namespace
 
 void PlayFileCache::addToQuarantine(LightweightString<wchar_t> const& filename, OpenType type) {
     if (!filename.empty()) {
@@ -54,13 +54,13 @@ bool PlayFileCache::isCorrupt(LightweightString<wchar_t> const& filename, OpenTy
     bool const isBadVideo = failedOpens_.contains(CacheEntry{filename, OpenType::video});
     bool const isBadAudio = failedOpens_.contains(CacheEntry{filename, OpenType::audio});
     switch (std::int32_t(type)) {
-    case OpenType::video:
-        return isBadVideo;
-    case OpenType::audio:
-        return isBadAudio;
-    case OpenType::both:
-        return isBadVideo && isBadAudio;
-    default:
-        return isBadVideo || isBadAudio;
+        case OpenType::video:
+            return isBadVideo;
+        case OpenType::audio:
+            return isBadAudio;
+        case OpenType::both:
+            return isBadVideo && isBadAudio;
+        default:
+            return isBadVideo || isBadAudio;
     }
 }

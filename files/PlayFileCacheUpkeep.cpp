@@ -17,11 +17,17 @@ void PlayFileCache::limitUsage(unsigned int bound) {
     }
 }
 
-void PlayFileCache::limitUsage() { limitUsage(static_cast<unsigned int>(sizeMin_)); }
+void PlayFileCache::limitUsage() {
+    limitUsage(static_cast<unsigned int>(sizeMin_));
+}
 
-void PlayFileCache::purge() { limitUsage(0U); }
+void PlayFileCache::purge() {
+    limitUsage(0U);
+}
 
-void PlayFileCache::flushUnreferenced() { limitUsage(0U); }
+void PlayFileCache::flushUnreferenced() {
+    limitUsage(0U);
+}
 
 /// The file goes when the lock is left, as its end may have to wait for its queue.
 bool PlayFileCache::removeOldestEntry() {
@@ -91,4 +97,6 @@ int PlayFileCache::handleRepositoryEvents(iAssetRepository::Event const& event) 
     return 0;
 }
 
-void PlayFileCache::noteOpenCount() { openCount_.store(openFiles_.size(), std::memory_order_relaxed); }
+void PlayFileCache::noteOpenCount() {
+    openCount_.store(openFiles_.size(), std::memory_order_relaxed);
+}

@@ -46,7 +46,9 @@ std::uint32_t readableTypesOf(Ox::FileReaderInfo& reader, OpenRequest const& req
     return reader.getReadableTypes(request.name, request.type, file.metadata.get(), stream);
 }
 
-bool coversAll(std::uint32_t mask, OpenType type) { return (mask & type.mask()) == type.mask(); }
+bool coversAll(std::uint32_t mask, OpenType type) {
+    return (mask & type.mask()) == type.mask();
+}
 
 /// True if `file`'s reader knows nothing of the one medium that is wanted.
 bool mustBorrow(FileReadInstance const& file, OpenType type) {
@@ -123,7 +125,7 @@ void choose(OpenRequest const& request, Choice& choice) {
     }
 }
 
-} // namespace
+}  // namespace
 
 FilePtr PlayUtil::openRead(LightweightString<wchar_t> const& filename, DecodeFormat const& format,
                            OpenType type, unsigned int streamIndex) {
@@ -132,8 +134,8 @@ FilePtr PlayUtil::openRead(LightweightString<wchar_t> const& filename, DecodeFor
     OpenRequest const request{name, displayNameOf(name), format, type, streamIndex};
     Choice choice;
     if (!probe(request, choice)) {
-        LogBoth("PlayUtil::openRead() : Failed to open (all readers) \"%s\" for %s\n",
-                request.shown.c_str(), type.asString());
+        LogBoth("PlayUtil::openRead() : Failed to open (all readers) \"%s\" for %s\n", request.shown.c_str(),
+                type.asString());
         return {};
     }
     if (!coversAll(readableTypesOf(*choice.best, request, *choice.result), type)) {
@@ -160,11 +162,11 @@ FilePtr PlayUtil::openRead(Cookie const& cookie, DecodeFormat const& format, uns
 
 OpenType PlayUtil::getType(Cookie const& cookie) {
     switch (cookie.type()) {
-    case 'S':
-        return OpenType::audio;
-    case 'V':
-        return OpenType::video;
-    default:
-        return OpenType::unknown;
+        case 'S':
+            return OpenType::audio;
+        case 'V':
+            return OpenType::video;
+        default:
+            return OpenType::unknown;
     }
 }

@@ -27,6 +27,6 @@ public:
     [[nodiscard]] static bool contains(Cookie const& cookie);
 
     /// The preference's key: "Analysing " and the name in UTF-8.
-    [[nodiscard]] static LightweightString<char>
-    getAnalysisPrefKey(LightweightString<wchar_t> const& filename, OpenType type);
+    [[nodiscard]] static LightweightString<char> getAnalysisPrefKey(
+        LightweightString<wchar_t> const& filename, OpenType type);
 };

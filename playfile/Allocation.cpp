@@ -10,9 +10,13 @@
 
 #include "ole/os/Memory.h"
 
-void* operator new(std::size_t byteCount) { return memoryService().allocate(byteCount); }
+void* operator new(std::size_t byteCount) {
+    return memoryService().allocate(byteCount);
+}
 
-void* operator new[](std::size_t byteCount) { return ::operator new(byteCount); }
+void* operator new[](std::size_t byteCount) {
+    return ::operator new(byteCount);
+}
 
 void* operator new(std::size_t byteCount, std::nothrow_t const&) noexcept {
     try {
@@ -26,16 +30,28 @@ void* operator new[](std::size_t byteCount, std::nothrow_t const& tag) noexcept 
     return ::operator new(byteCount, tag);
 }
 
-void operator delete(void* block) noexcept { memoryService().release(block); }
+void operator delete(void* block) noexcept {
+    memoryService().release(block);
+}
 
-void operator delete[](void* block) noexcept { ::operator delete(block); }
+void operator delete[](void* block) noexcept {
+    ::operator delete(block);
+}
 
-void operator delete(void* block, std::nothrow_t const&) noexcept { ::operator delete(block); }
+void operator delete(void* block, std::nothrow_t const&) noexcept {
+    ::operator delete(block);
+}
 
-void operator delete[](void* block, std::nothrow_t const&) noexcept { ::operator delete[](block); }
+void operator delete[](void* block, std::nothrow_t const&) noexcept {
+    ::operator delete[](block);
+}
 
-void operator delete(void* block, std::size_t) noexcept { ::operator delete(block); }
+void operator delete(void* block, std::size_t) noexcept {
+    ::operator delete(block);
+}
 
-void operator delete[](void* block, std::size_t) noexcept { ::operator delete[](block); }
+void operator delete[](void* block, std::size_t) noexcept {
+    ::operator delete[](block);
+}
 
 #endif

@@ -16,7 +16,7 @@ int readSetting(char const* key, int defaultValue) {
     return config_int(key, defaultValue, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
 }
 
-} // namespace
+}  // namespace
 
 int getNumThreads() {
     static int const value = readSetting("numReaderThreads", defaultReaderThreads);
@@ -28,6 +28,10 @@ int getReadPollDelay() {
     return value;
 }
 
-int readCacheSizeMin() { return readSetting("playfileCacheSizeMin", defaultCacheSizeMin); }
+int readCacheSizeMin() {
+    return readSetting("playfileCacheSizeMin", defaultCacheSizeMin);
+}
 
-int readCacheSizeMax() { return readSetting("playfileCacheSizeMax", defaultCacheSizeMax); }
+int readCacheSizeMax() {
+    return readSetting("playfileCacheSizeMax", defaultCacheSizeMax);
+}

@@ -4,4 +4,6 @@
 #error "the build states the version"
 #endif
 
-char const* playfileDllVersionStr() { return PLAYFILE_VERSION_STRING; }
+char const* playfileDllVersionStr() {
+    return PLAYFILE_VERSION_STRING;
+}

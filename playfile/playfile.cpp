@@ -9,7 +9,9 @@ void playfile_init() {
     static_cast<void>(getReadPollDelay());
 }
 
-void playfile_exit() { playfile_close_all_files(); }
+void playfile_exit() {
+    playfile_close_all_files();
+}
 
 /// The decoders come second: the files that are closed first are what held them.
 void playfile_close_all_files() {

@@ -44,18 +44,18 @@ void FileReadInstance::readVideo(Ox::Ptr<VideoReadRequest>& request) {
     TimedSection const section(task, "read");
     Ox::Ptr<FrameBufferRep> buffer;
     switch (readVideo(buffer, request)) {
-    case frameRead:
-        PlayFileCounters::add(playFileCounters().framesRead);
-        request->setResultBuffer(buffer);
-        request->requestHasCompleted(requestComplete);
-        break;
-    case takenOver:
-        PlayFileCounters::add(playFileCounters().framesRead);
-        break;
-    default:
-        PlayFileCounters::add(playFileCounters().framesFailed);
-        request->requestHasCompleted(requestFailed);
-        break;
+        case frameRead:
+            PlayFileCounters::add(playFileCounters().framesRead);
+            request->setResultBuffer(buffer);
+            request->requestHasCompleted(requestComplete);
+            break;
+        case takenOver:
+            PlayFileCounters::add(playFileCounters().framesRead);
+            break;
+        default:
+            PlayFileCounters::add(playFileCounters().framesFailed);
+            request->requestHasCompleted(requestFailed);
+            break;
     }
 }
 

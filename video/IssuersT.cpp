@@ -20,7 +20,9 @@ void IssuersT::addIssuersFrom(IssuersT const& other) {
     issuers_.insert(other.issuers_.begin(), other.issuers_.end());
 }
 
-bool IssuersT::empty() { return size() == 0; }
+bool IssuersT::empty() {
+    return size() == 0;
+}
 
 std::size_t IssuersT::size() {
     ScopedLock const scope(lock_);

@@ -35,11 +35,10 @@ void completePosterRequest(Ox::Ptr<VideoReadRequest>& request, Ox::Ptr<FileReadI
     request->requestHasCompleted(requestComplete);
 }
 
-} // namespace
+}  // namespace
 
 OxResult PlayFileCache::videoReadRequest(Ox::Ptr<VideoReadRequest>& request, Cookie const& cookie, int frame,
-                                         bool /*ignored*/, eResultType resultType,
-                                         DecodeFormat const& format,
+                                         bool /*ignored*/, eResultType resultType, DecodeFormat const& format,
                                          Ox::Ptr<ReadRequestIssuer::Proxy> issuer) {
     Ox::Ptr<FileReadInstance> file = Shared()->open(cookie, format, static_cast<unsigned int>(frame));
     std::int32_t const position = positionOf(cookie, frame);

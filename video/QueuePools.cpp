@@ -23,9 +23,11 @@ int releaseOnThisThread(void* argument) {
     return 0;
 }
 
-} // namespace
+}  // namespace
 
-Ox::Pool<Ox::VideoReadQueue, PlayEnginePriority>& videoQueuePool() noexcept { return pool; }
+Ox::Pool<Ox::VideoReadQueue, PlayEnginePriority>& videoQueuePool() noexcept {
+    return pool;
+}
 
 /// Without a thread to be had the queue is left as it is, which costs its memory and nothing more.
 void releaseQueue(QueuePtr& queue) {

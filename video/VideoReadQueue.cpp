@@ -40,9 +40,11 @@ FrameRange framesOf(VideoReadRequest const& candidate, bool isStreaming) {
     return {candidate.frame, candidate.frame};
 }
 
-bool isFinished(RequestStatus status) { return status != requestBuilt && status != requestTakenUp; }
+bool isFinished(RequestStatus status) {
+    return status != requestBuilt && status != requestTakenUp;
+}
 
-} // namespace
+}  // namespace
 
 VideoReadQueue::VideoReadQueue() {
     init(workerCount, iThread::normal, anyProcessor, workerStackBytes, Shutdown::queueOrder,
@@ -78,8 +80,7 @@ Ptr<VideoReadRequest> VideoReadQueue::findMatchingRequest(Ptr<VideoReadRequest>&
     auto const matches = [&](Ptr<VideoReadRequest> const& candidate) {
         FrameRange const range = framesOf(*candidate, isStreaming);
         return request->frame >= range.low && request->frame <= range.high &&
-               candidate->resultType == request->resultType &&
-               candidate->getWidth() >= request->getWidth();
+               candidate->resultType == request->resultType && candidate->getWidth() >= request->getWidth();
     };
     if (queue) {
         auto const& pending = queue->requests();
@@ -127,8 +128,8 @@ void VideoReadQueue::limitUsage() {
     RequestVector unused;
     {
         ScopedLock const scope(lock());
-        auto const kept = std::stable_partition(
-            active_.begin(), active_.end(), [](Ptr<VideoReadRequest> const& request) {
+        auto const kept =
+            std::stable_partition(active_.begin(), active_.end(), [](Ptr<VideoReadRequest> const& request) {
                 return request.useCount() != 1 || !isFinished(request->getRequestStatus());
             });
         unused.assign(std::make_move_iterator(kept), std::make_move_iterator(active_.end()));
@@ -146,6 +147,8 @@ std::size_t VideoReadQueue::getPendingCount() {
     return queue ? queue->requests().size() : 0;
 }
 
-bool VideoReadQueue::isThisThreadTheWorker() const { return queue && queue->isThisThreadAWorker(); }
+bool VideoReadQueue::isThisThreadTheWorker() const {
+    return queue && queue->isThisThreadAWorker();
+}
 
-} // namespace Ox
+}  // namespace Ox

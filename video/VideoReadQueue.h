@@ -69,4 +69,4 @@ private:
     RequestVector active_;
 };
 
-} // namespace Ox
+}  // namespace Ox

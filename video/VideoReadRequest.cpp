@@ -10,14 +10,18 @@ bool claimDecompression(FrameBufferRep& buffer) {
     return buffer.decompressStatus.compare_exchange_strong(expected, FrameBufferRep::claimed);
 }
 
-} // namespace
+}  // namespace
 
 VideoReadRequest::VideoReadRequest(Ox::Ptr<FileReadInstance>& requestedFile,
                                    Ox::Ptr<IndexInfoRep>& requestedIndexInfo, unsigned int requestedFrame,
                                    eResultType requestedResultType, DecodeFormat const& format,
                                    Ox::Ptr<ReadRequestIssuer::Proxy> issuer)
-    : DecodeFormat(format), frame(requestedFrame), indexInfo(requestedIndexInfo), issuers(issuer),
-      resultType(requestedResultType), file(requestedFile) {}
+    : DecodeFormat(format),
+      frame(requestedFrame),
+      indexInfo(requestedIndexInfo),
+      issuers(issuer),
+      resultType(requestedResultType),
+      file(requestedFile) {}
 
 void VideoReadRequest::requestHasCompleted(RequestStatus status) {
     if (status == requestComplete && !resultBuffer_) {
@@ -55,9 +59,8 @@ Ox::Ptr<FrameBufferRep> VideoReadRequest::setUncompressedResult(Ox::Ptr<iMemHold
     PlayFileMetadataRep const& metadata = *file->metadata;
     Ox::Image::Core::Data const& image = metadata.image;
     Ox::Image::Surface surface(image.getWidth(), image.getHeight(), image.getDataFormat(),
-                               image.getBitsPerComponent(), image.getBitsPerPixel(),
-                               Ox::Image::layoutTopDown, Ox::Image::showForeignMemory,
-                               metadata.bufferFormat.stride);
+                               image.getBitsPerComponent(), image.getBitsPerPixel(), Ox::Image::layoutTopDown,
+                               Ox::Image::showForeignMemory, metadata.bufferFormat.stride);
     surface.setVideoData(metadata.videoData);
     surface.setFormatUID(metadata.formatUID);
     surface.setSampleData(metadata.sampleData);

@@ -14,4 +14,4 @@ LightweightString<char> classNameOf(std::type_info const& type) {
     return LightweightString<char>(name ? name.get() : type.name());
 }
 
-} // namespace Ox
+}  // namespace Ox

@@ -221,8 +221,8 @@ protected:
         }
         queue = Ox::ExternalPtr<DecouplingQueue>(new DecouplingQueue(
             numThreads, priority, static_cast<int>(threadOption), stackSize, this, waitMs));
-        shutdownCallback = Shutdown::CallbackPtr(
-            new Shutdown::MethodCallback<Decoupler>(this, &Decoupler::shutdown));
+        shutdownCallback =
+            Shutdown::CallbackPtr(new Shutdown::MethodCallback<Decoupler>(this, &Decoupler::shutdown));
         Shutdown::addCallback(shutdownCallback, shutdownOrder);
     }
 

@@ -56,7 +56,10 @@ public:
     /// @param tag     kept as it stands for whoever made the buffer
     StreamBuffer(Ox::Ptr<iMemHolder> holder, std::uint32_t tag, bool flag = false,
                  std::uint32_t sampleCount = 0, std::uint32_t sampleFormat = 0)
-        : tag_(tag), flag_(flag), sampleCount_(sampleCount), sampleFormat_(sampleFormat),
+        : tag_(tag),
+          flag_(flag),
+          sampleCount_(sampleCount),
+          sampleFormat_(sampleFormat),
           holder_(std::move(holder)) {}
 
     [[nodiscard]] void* getBuffer() const override { return holder_ ? holder_->getBuffer() : nullptr; }
@@ -80,4 +83,4 @@ private:
     Ox::Ptr<iMemHolder> holder_;
 };
 
-} // namespace Aud
+}  // namespace Aud

@@ -94,4 +94,4 @@ private:
     std::map<T, Ptr<AccessedObjectInfo>> accessed_;
 };
 
-} // namespace Ox
+}  // namespace Ox

@@ -24,7 +24,7 @@ private:
     RefCount refCount_{0};
 };
 
-} // namespace Ox
+}  // namespace Ox
 
 /// Root of all counted interfaces. Both bases are virtual, so that one count and one destructor serve
 /// a whole diamond of interfaces.

@@ -131,4 +131,4 @@ void giveBack(Pool<T, Tag>& pool, ExternalPtr<T>& item) {
     pool.itemReturned_->set();
 }
 
-} // namespace Ox
+}  // namespace Ox

@@ -64,16 +64,12 @@ public:
     Ptr(Ptr&& other) noexcept : counter_(other.counter_), object_(other.object_) { other.forget(); }
 
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    Ptr(Ptr<U, Dtor, Count> const& other) noexcept : counter_(other.counter_), object_(other.object_) {
-        incRef();
-    }
+    requires std::is_convertible_v<U*, T*> Ptr(Ptr<U, Dtor, Count> const& other)
+    noexcept : counter_(other.counter_), object_(other.object_) { incRef(); }
 
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    Ptr(Ptr<U, Dtor, Count>&& other) noexcept : counter_(other.counter_), object_(other.object_) {
-        other.forget();
-    }
+    requires std::is_convertible_v<U*, T*> Ptr(Ptr<U, Dtor, Count>&& other)
+    noexcept : counter_(other.counter_), object_(other.object_) { other.forget(); }
 
     ~Ptr() { decRef(); }
 
@@ -167,4 +163,4 @@ template <class T, class... Args>
 template <class T>
 using ExternalPtr = Ptr<T, DtorTraits, ExternalRefCountTraits>;
 
-} // namespace Ox
+}  // namespace Ox

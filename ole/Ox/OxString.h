@@ -72,7 +72,8 @@ public:
     /// @param roundUp  true makes the capacity the smallest power of two greater than `length`,
     ///                 false makes it `length` + 1
     void createImpl(std::uint32_t length, bool roundUp) {
-        block_ = length == 0 ? Block() : newBlock(length, roundUp ? smallestPowerAbove(length, 1) : length + 1);
+        block_ =
+            length == 0 ? Block() : newBlock(length, roundUp ? smallestPowerAbove(length, 1) : length + 1);
     }
 
     /// Makes room for `length` characters that the caller will overwrite; with 0 the block goes.

@@ -30,4 +30,4 @@ private:
 /// has gone, the callback isn't called any more and no call of it is under way on another thread.
 class Guard : public virtual iObject {};
 
-} // namespace Ox
+}  // namespace Ox

@@ -57,7 +57,10 @@ public:
     /// @param path      source path of the place that throws
     Base(char const* typeText, char const* message, char const* path, int line,
          LightweightString<char> stackTrace)
-        : typeText_(typeText), message_(message), path_(path), line_(line),
+        : typeText_(typeText),
+          message_(message),
+          path_(path),
+          line_(line),
           stackTrace_(std::move(stackTrace)) {}
 
     [[nodiscard]] char const* what() const noexcept override { return message_.c_str(); }
@@ -82,4 +85,4 @@ public:
         : Base("RuntimeError", message, path, line, std::move(stackTrace)) {}
 };
 
-} // namespace Ox::Exception
+}  // namespace Ox::Exception

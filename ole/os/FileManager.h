@@ -38,11 +38,11 @@ public:
     /// The outcome of a copy.
     enum eCopyRC : std::uint32_t {
         copied = 0,
-        copyNoFolder = 1,        ///< not from `copyFile`: the folder can't be made
-        copyCannotAccess = 2,    ///< the source can't be read or the destination not be made
-        copyStopped = 3,         ///< the callback said so
-        copyFailed = 4,          ///< no space, or an error on the way
-        copyNoDestination = 5,   ///< not from `copyFile`: the destination is empty
+        copyNoFolder = 1,       ///< not from `copyFile`: the folder can't be made
+        copyCannotAccess = 2,   ///< the source can't be read or the destination not be made
+        copyStopped = 3,        ///< the callback said so
+        copyFailed = 4,         ///< no space, or an error on the way
+        copyNoDestination = 5,  ///< not from `copyFile`: the destination is empty
     };
 
     /// Told of a copy's progress on the calling thread; 0 stops the copy.
@@ -89,11 +89,11 @@ public:
     /// Bytes; 0 for a missing file.
     [[nodiscard]] virtual std::uint64_t getFileSize(LightweightString<wchar_t> const& path) = 0;
     /// The name as the system sees it once its volume is mounted.
-    [[nodiscard]] virtual LightweightString<wchar_t>
-    getMountedFilename(LightweightString<wchar_t> const& name) = 0;
+    [[nodiscard]] virtual LightweightString<wchar_t> getMountedFilename(
+        LightweightString<wchar_t> const& name) = 0;
     /// The name made fit for display: path and extension kept, control characters replaced.
-    [[nodiscard]] virtual LightweightString<wchar_t>
-    getDisplayFilename(LightweightString<wchar_t> const& name) = 0;
+    [[nodiscard]] virtual LightweightString<wchar_t> getDisplayFilename(
+        LightweightString<wchar_t> const& name) = 0;
 };
 
 /// Puts `manager` in force for the whole process, null for the host's own, and gives back the one

@@ -5,14 +5,14 @@
 /// The place of a lock in the one order in which locks may be taken: a thread that holds a lock takes
 /// only locks of a higher rank. Taking the same lock again is always allowed.
 enum class eLockRank : std::uint8_t {
-    fileCache = 10,     ///< `PlayFileCache::cacheLock`
-    file = 20,          ///< `PlayFile::lock`
-    pool = 30,          ///< `Ox::Pool`'s lock
-    queue = 40,         ///< the lock of a read queue
-    issuers = 50,       ///< `IssuersT`'s lock
-    accessQueue = 60,   ///< the guard of `Ox::MultipleAccessQueue`
-    toolkit = 200,      ///< locks of the host and the toolkit: innermost, nothing is called under them
-    unranked = 255,     ///< takes no part in the check
+    fileCache = 10,    ///< `PlayFileCache::cacheLock`
+    file = 20,         ///< `PlayFile::lock`
+    pool = 30,         ///< `Ox::Pool`'s lock
+    queue = 40,        ///< the lock of a read queue
+    issuers = 50,      ///< `IssuersT`'s lock
+    accessQueue = 60,  ///< the guard of `Ox::MultipleAccessQueue`
+    toolkit = 200,     ///< locks of the host and the toolkit: innermost, nothing is called under them
+    unranked = 255,    ///< takes no part in the check
 };
 
 /// Follows what the calling thread holds and ends a debug build, with both names on the console, when

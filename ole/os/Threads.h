@@ -18,8 +18,8 @@ public:
 
     /// How urgent the thread's work is.
     enum ePriority : std::int32_t {
-        normal = 3,     ///< read queues
-        background = 4, ///< one step behind: opening ahead of need, decoding ahead
+        normal = 3,      ///< read queues
+        background = 4,  ///< one step behind: opening ahead of need, decoding ahead
     };
 
     /// What an exception that left a thread's entry function said.

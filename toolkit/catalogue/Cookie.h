@@ -18,7 +18,7 @@ struct UUID {
     auto operator<=>(UUID const&) const = default;
 };
 
-} // namespace Ox
+}  // namespace Ox
 
 /// What a cookie stands for, as a character: 'E' edit, 'V' video, 'S' sound, 'I' image, 0 none.
 using CookieType = char;
@@ -47,9 +47,7 @@ public:
     /// A total order: by clip, then type, then channel. Negative, 0 or positive.
     [[nodiscard]] int compare(Cookie const& other) const;
     friend bool operator==(Cookie const& a, Cookie const& b) { return a.compare(b) == 0; }
-    friend std::strong_ordering operator<=>(Cookie const& a, Cookie const& b) {
-        return a.compare(b) <=> 0;
-    }
+    friend std::strong_ordering operator<=>(Cookie const& a, Cookie const& b) { return a.compare(b) <=> 0; }
 
     /// 32 hexadecimal digits of the clip, then a hyphen, the type letter and three digits of channel:
     /// a legal file name without a full stop. Short leaves the hyphen and what follows away.

@@ -65,4 +65,4 @@ void registerFormat(FormatDescription const& description);
 [[nodiscard]] std::uint32_t planeRows(FormatDescription const& description, unsigned plane,
                                       std::uint32_t height);
 
-} // namespace Ox::Image
+}  // namespace Ox::Image

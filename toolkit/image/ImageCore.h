@@ -61,5 +61,5 @@ public:
     bool coreDataSet = false;
 };
 
-} // namespace Core
-} // namespace Ox::Image
+}  // namespace Core
+}  // namespace Ox::Image

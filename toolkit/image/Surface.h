@@ -88,4 +88,4 @@ private:
     Ox::Ptr<Body> body_;
 };
 
-} // namespace Ox::Image
+}  // namespace Ox::Image

@@ -58,5 +58,5 @@ struct SampleData {
 using Orientation = std::uint8_t;
 inline constexpr Orientation orientationUpright = 1;
 
-} // namespace Image
-} // namespace Ox
+}  // namespace Image
+}  // namespace Ox

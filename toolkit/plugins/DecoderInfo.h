@@ -30,7 +30,7 @@ public:
     void remove(Ptr<iVideoDecoder> const& decoder);
 };
 
-} // namespace Ox
+}  // namespace Ox
 
 /// Decoders kept for use again by the files that are open.
 ///

@@ -52,4 +52,4 @@ public:
     static bool remove(Ptr<FileReaderInfo> const& reader);
 };
 
-} // namespace Ox
+}  // namespace Ox

@@ -16,4 +16,4 @@ public:
     [[nodiscard]] virtual LightweightString<char> getValues() const = 0;
 };
 
-} // namespace GenericParam
+}  // namespace GenericParam

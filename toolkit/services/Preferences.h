@@ -18,8 +18,8 @@ public:
     virtual void removePreference(LightweightString<char> const& key) = 0;
     [[nodiscard]] virtual bool getPreference(LightweightString<char> const& key, bool defaultValue) = 0;
     /// Every key that begins with `prefix`, in byte order.
-    [[nodiscard]] virtual std::vector<LightweightString<char>>
-    getPreferenceKeys(LightweightString<char> const& prefix) = 0;
+    [[nodiscard]] virtual std::vector<LightweightString<char>> getPreferenceKeys(
+        LightweightString<char> const& prefix) = 0;
 };
 
 /// The preferences in force: in memory only, unless a host has installed others.

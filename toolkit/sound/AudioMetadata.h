@@ -26,4 +26,4 @@ struct Metadata {
     [[nodiscard]] bool isAAC() const { return codec == LightweightString<char>("aac"); }
 };
 
-} // namespace Aud
+}  // namespace Aud
