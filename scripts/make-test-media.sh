@@ -136,8 +136,8 @@ make_png.mov() {
     run -i "$master" -c:v png "${exact[@]}" "$1"
 }
 make_rawvideo-uyvy.mov() {
-    stamped 320x180 25 10 uyvy422
-    run -i "$master" -c:v rawvideo "${exact[@]}" "$1"
+    stamped 320x180 25 10 yuv422p
+    run -i "$master" -c:v rawvideo -pix_fmt uyvy422 "${exact[@]}" "$1"
 }
 make_mpeg2-interlaced.ts() {
     stamped 720x576 25 50 yuv420p
