@@ -9,8 +9,7 @@ IssuersT::IssuersT(Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer) {
 void IssuersT::doCallbacks(Ox::Ptr<iObject>& result, RequestStatus status) {
     ScopedLock const scope(lock_);
     for (Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer : issuers_) {
-        Ox::Ptr<ReadRequestIssuer::Proxy> const held(issuer);
-        held->notify(result, status);
+        issuer->notify(result, status);
     }
     issuers_.clear();
 }

@@ -15,7 +15,6 @@ using RefCount = std::atomic<std::uint32_t>;
 struct DtorTraits {
     template <class T>
     static void destroy(T* object) noexcept {
-        static_assert(sizeof(T) > 0, "an object is destroyed where its class is known");
         delete object;
     }
 };
@@ -74,7 +73,8 @@ public:
     ~Ptr() { decRef(); }
 
     Ptr& operator=(Ptr const& other) noexcept {
-        Ptr(other).swap(*this);
+        Ptr copy(other);
+        swap(copy);
         return *this;
     }
     Ptr& operator=(Ptr&& other) noexcept {
