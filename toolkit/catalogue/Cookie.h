@@ -35,8 +35,8 @@ public:
     Cookie(Ox::UUID const& uuid, CookieType type, std::uint8_t channel)
         : uuid_(uuid), type_(type), channel_(channel) {}
 
-    /// Reads what `asWString` writes. A text of another form gives an invalid cookie whose type is
-    /// the text's type letter where there is one.
+    /// Reads what `asWString` writes; short reads the 32 digits alone and means the edit as a whole. A
+    /// text of another form gives an invalid cookie.
     explicit Cookie(LightweightString<wchar_t> const& text, bool isShort = false);
 
     [[nodiscard]] bool valid() const { return type_ != 0; }

@@ -13,7 +13,8 @@ public:
     virtual void writeToLog(LightweightString<char> const& text) = 0;
 };
 
-/// Puts `sink` in force, null for the host's own (standard error, and the file of `setLogFile`), and
+/// Puts `sink` in force, null for the host's own (standard error, and the file that the
+/// environment's `PLAYFILE_LOG` names), and
 /// gives back the one before. Not owned.
 iLogSink* installLogSink(iLogSink* sink) noexcept;
 
