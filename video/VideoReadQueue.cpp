@@ -19,16 +19,15 @@ constexpr unsigned workerCount = 1;
 constexpr unsigned anyProcessor = static_cast<unsigned>(-1);
 constexpr unsigned workerStackBytes = 0x80000;
 
-/// The frames that a request will yield, both included.
+/// The frames that a request will yield of a file that isn't read streaming, both included.
 struct FrameRange {
     std::uint32_t low;
     std::uint32_t high;
+
+    [[nodiscard]] bool contains(std::uint32_t frame) const { return frame >= low && frame <= high; }
 };
 
-FrameRange framesOf(VideoReadRequest const& candidate, bool isStreaming) {
-    if (isStreaming) {
-        return {candidate.frame, candidate.frame};
-    }
+FrameRange framesOf(VideoReadRequest const& candidate) {
     if (IndexInfoRep const* unit = candidate.indexInfo.get()) {
         return {unit->unitOffset + unit->unitStart, unit->unitEnd};
     }
@@ -57,40 +56,54 @@ VideoReadQueue::~VideoReadQueue() {
     queue.decRef();
 }
 
+/// The worker is woken when the lock has been left: woken under it, it would go back to sleep at once.
 unsigned int VideoReadQueue::queueReadRequest(Ptr<VideoReadRequest>& request) {
-    ScopedLock const scope(lock());
-    if (!queue) {
-        request->requestHasCompleted(requestFailed);
-        return 1;
+    ExternalPtr<DecouplingQueue<VideoReadRequest>> woken;
+    {
+        ScopedLock const scope(lock());
+        if (!queue) {
+            request->requestHasCompleted(requestFailed);
+            return 1;
+        }
+        Ptr<VideoReadRequest> found = findMatchingRequest(request);
+        if (found) {
+            reuseRequest(found, request);
+        } else {
+            PlayFileCounters::add(playFileCounters().requestsQueued);
+            queue->enqueue(request);
+            woken = queue;
+        }
+        limitUsage();
     }
-    Ptr<VideoReadRequest> found = findMatchingRequest(request);
-    if (found) {
-        reuseRequest(found, request);
-    } else {
-        PlayFileCounters::add(playFileCounters().requestsQueued);
-        queue->enqueue(request);
-        queue->signal();
+    if (woken) {
+        woken->signal();
     }
-    limitUsage();
     return 1;
 }
 
+/// In a streamed file a read yields its own frame only.
 Ptr<VideoReadRequest> VideoReadQueue::findMatchingRequest(Ptr<VideoReadRequest>& request) const {
+    std::uint32_t const frame = request->frame;
     bool const isStreaming = request->file->metadata->readStreaming();
-    auto const matches = [&](Ptr<VideoReadRequest> const& candidate) {
-        FrameRange const range = framesOf(*candidate, isStreaming);
-        return request->frame >= range.low && request->frame <= range.high &&
-               candidate->resultType == request->resultType && candidate->getWidth() >= request->getWidth();
+    auto const isAlike = [&](VideoReadRequest const& candidate) {
+        return candidate.resultType == request->resultType && candidate.getWidth() >= request->getWidth();
     };
     if (queue) {
-        auto const& pending = queue->requests();
-        auto const found = std::find_if(pending.begin(), pending.end(), matches);
-        if (found != pending.end()) {
-            return *found;
+        for (Ptr<VideoReadRequest> const& pending : queue->requests()) {
+            bool const isYielded = isStreaming ? pending->frame == frame : framesOf(*pending).contains(frame);
+            if (isYielded && isAlike(*pending)) {
+                return pending;
+            }
         }
     }
-    auto const found = std::find_if(active_.begin(), active_.end(), matches);
-    return found == active_.end() ? Ptr<VideoReadRequest>() : *found;
+    for (TakenUp const& taken : active_) {
+        bool const isYielded =
+            isStreaming ? taken.request->frame == frame : FrameRange{taken.low, taken.high}.contains(frame);
+        if (isYielded && isAlike(*taken.request)) {
+            return taken.request;
+        }
+    }
+    return {};
 }
 
 void VideoReadQueue::reuseRequest(Ptr<VideoReadRequest>& existing, Ptr<VideoReadRequest>& request) {
@@ -111,9 +124,10 @@ void VideoReadQueue::despatch(Ptr<VideoReadRequest>& request) {
         return;
     }
     request->setRequestStatus(requestTakenUp);
+    FrameRange const frames = framesOf(*request);
     {
         ScopedLock const scope(lock());
-        active_.push_back(request);
+        active_.push_back({request, frames.low, frames.high});
     }
     request->file->readVideo(request);
 }
@@ -123,18 +137,23 @@ void VideoReadQueue::purge() {
     active_.clear();
 }
 
-/// What goes is released outside the lock, as it can be slow: buffers, a last reference to a file.
+/// What goes is released outside the lock, as it can be slow: buffers, a last reference to a file. Those
+/// before the first that goes aren't moved.
 void VideoReadQueue::limitUsage() {
-    RequestVector unused;
-    {
-        ScopedLock const scope(lock());
-        auto const kept =
-            std::stable_partition(active_.begin(), active_.end(), [](Ptr<VideoReadRequest> const& request) {
-                return request.useCount() != 1 || !isFinished(request->getRequestStatus());
-            });
-        unused.assign(std::make_move_iterator(kept), std::make_move_iterator(active_.end()));
-        active_.erase(kept, active_.end());
+    std::vector<Ptr<VideoReadRequest>> unused;
+    ScopedLock const scope(lock());
+    auto const isUnused = [](TakenUp const& taken) {
+        return taken.request.useCount() == 1 && isFinished(taken.request->getRequestStatus());
+    };
+    auto kept = std::find_if(active_.begin(), active_.end(), isUnused);
+    for (auto taken = kept; taken != active_.end(); ++taken) {
+        if (isUnused(*taken)) {
+            unused.push_back(std::move(taken->request));
+        } else {
+            *kept++ = std::move(*taken);
+        }
     }
+    active_.erase(kept, active_.end());
 }
 
 std::size_t VideoReadQueue::getActiveCount() {

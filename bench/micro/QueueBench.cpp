@@ -21,59 +21,61 @@ void roundTrip(benchmark::State& state) {
 }
 BENCHMARK(roundTrip)->UseRealTime();
 
-/// As many requests ahead of the one that is waited for as the argument says.
-void pipelined(benchmark::State& state) {
-    auto const window = static_cast<std::uint32_t>(state.range(0));
-    NullFile file;
-    CountingIssuer issuer;
-    std::vector<Ox::Ptr<VideoReadRequest>> held(window);
-    std::uint32_t frame = 0;
+/// The reads of `count` frames from 0 on, all of them ended and all still held.
+std::vector<Ox::Ptr<VideoReadRequest>> readAndHold(NullFile& file, CountingIssuer& issuer,
+                                                   std::uint32_t count) {
+    std::vector<Ox::Ptr<VideoReadRequest>> held(count);
+    for (std::uint32_t frame = 0; frame < count; ++frame) {
+        held[frame] = file.ask(frame, issuer);
+        issuer.waitFor(frame + 1);
+    }
+    return held;
+}
+
+/// Asks for one frame after the other, from `frame` on, and waits for each only when `window` more have
+/// been asked for.
+void askAhead(benchmark::State& state, NullFile& file, CountingIssuer& issuer, std::uint32_t frame,
+              std::uint32_t window) {
+    std::vector<Ox::Ptr<VideoReadRequest>> underWay(window);
     for (auto _ : state) {
-        if (frame >= window) {
-            issuer.waitFor(frame - window + 1);
-        }
-        held[frame % window] = file.ask(frame, issuer);
+        issuer.waitFor(frame + 1 > window ? frame + 1 - window : 0);
+        underWay[frame % window] = file.ask(frame, issuer);
         ++frame;
     }
     issuer.waitFor(frame);
     state.SetItemsProcessed(state.iterations());
 }
+
+/// As many requests ahead of the one that is waited for as the argument says.
+void pipelined(benchmark::State& state) {
+    NullFile file;
+    CountingIssuer issuer;
+    askAhead(state, file, issuer, 0, static_cast<std::uint32_t>(state.range(0)));
+}
 BENCHMARK(pipelined)->Arg(8)->Arg(32)->Arg(128)->UseRealTime();
 
-/// A request that isn't like any of those held, which all have been read.
+/// Requests that are like none of those held, which all have been read.
 void askWithRequestsHeld(benchmark::State& state) {
+    constexpr std::uint32_t window = 64;
     auto const heldCount = static_cast<std::uint32_t>(state.range(0));
     NullFile file;
     CountingIssuer issuer;
-    std::vector<Ox::Ptr<VideoReadRequest>> held;
-    for (std::uint32_t frame = 0; frame < heldCount; ++frame) {
-        held.push_back(file.ask(frame, issuer));
-        issuer.waitFor(frame + 1);
-    }
-    std::uint32_t asked = 0;
-    for (auto _ : state) {
-        Ox::Ptr<VideoReadRequest> request = file.request(heldCount + asked, issuer);
-        ++asked;
-        file.queue(request);
-        state.PauseTiming();
-        issuer.waitFor(heldCount + asked);
-        request.decRef();
-        state.ResumeTiming();
-    }
+    auto const held = readAndHold(file, issuer, heldCount);
+    askAhead(state, file, issuer, heldCount, window);
     state.SetComplexityN(heldCount);
 }
-BENCHMARK(askWithRequestsHeld)->RangeMultiplier(10)->Range(1, 10000)->Complexity(benchmark::oN);
+BENCHMARK(askWithRequestsHeld)
+    ->RangeMultiplier(10)
+    ->Range(1, 10000)
+    ->Complexity(benchmark::oN)
+    ->UseRealTime();
 
 /// A request that the newest of those held serves: all the others are looked at before it.
 void mergeWithRequestsHeld(benchmark::State& state) {
     auto const heldCount = static_cast<std::uint32_t>(state.range(0));
     NullFile file;
     CountingIssuer issuer;
-    std::vector<Ox::Ptr<VideoReadRequest>> held;
-    for (std::uint32_t frame = 0; frame < heldCount; ++frame) {
-        held.push_back(file.ask(frame, issuer));
-        issuer.waitFor(frame + 1);
-    }
+    auto const held = readAndHold(file, issuer, heldCount);
     for (auto _ : state) {
         benchmark::DoNotOptimize(file.ask(heldCount - 1, issuer));
     }
