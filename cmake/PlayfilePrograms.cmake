@@ -34,14 +34,16 @@ foreach(source IN LISTS sources)
 endforeach()
 
 playfile_glob(sources bench/micro/*.cpp)
-playfile_add_program(playfile_micro playfile_micro ${sources})
+playfile_glob(support bench/support/Null*.cpp)
+playfile_add_program(playfile_micro playfile_micro ${sources} ${support})
 if(TARGET playfile_micro)
     find_package(benchmark REQUIRED)
     target_link_libraries(playfile_micro PRIVATE benchmark::benchmark)
 endif()
 
 playfile_glob(sources bench/workload/*.cpp)
-playfile_add_program(playfile_workload playfile_workload ${sources})
+playfile_glob(support bench/support/*.cpp)
+playfile_add_program(playfile_workload playfile_workload ${sources} ${support})
 if(TARGET playfile_workload)
     find_package(CLI11 REQUIRED)
     pkg_check_modules(PLAYFILE_WORKLOAD_FFMPEG REQUIRED IMPORTED_TARGET
