@@ -15,6 +15,10 @@ namespace {
 
 constexpr std::size_t byteCount = 40;
 
+/// Called through these, so that the compiler can't leave out a block that nobody uses.
+void* (*volatile const plainNew)(std::size_t) = &::operator new;
+void* (*volatile const arrayNew)(std::size_t) = &::operator new[];
+
 /// Throws something that is no exception of the standard library.
 class OddMemoryService final : public iMemoryService {
 public:
@@ -29,7 +33,7 @@ private:
 
 TEST(Allocation, NewTakesItsBlockFromTheMemoryService) {
     test::CountingMemoryService memory;
-    void* const block = ::operator new(byteCount);
+    void* const block = plainNew(byteCount);
     EXPECT_EQ(memory.getAllocations(), 1);
     EXPECT_EQ(memory.getLastByteCount(), byteCount);
     EXPECT_TRUE(memory.holds(block));
@@ -38,7 +42,7 @@ TEST(Allocation, NewTakesItsBlockFromTheMemoryService) {
 
 TEST(Allocation, DeleteGivesTheBlockBack) {
     test::CountingMemoryService memory;
-    void* const block = ::operator new(byteCount);
+    void* const block = plainNew(byteCount);
     ::operator delete(block);
     EXPECT_EQ(memory.getReleases(), 1);
     EXPECT_EQ(memory.getLastReleased(), block);
@@ -46,7 +50,7 @@ TEST(Allocation, DeleteGivesTheBlockBack) {
 
 TEST(Allocation, ArrayFormsGoThroughThePlainOnes) {
     test::CountingMemoryService memory;
-    void* const block = ::operator new[](byteCount);
+    void* const block = arrayNew(byteCount);
     EXPECT_EQ(memory.getAllocations(), 1);
     EXPECT_TRUE(memory.holds(block));
     ::operator delete[](block);
@@ -67,8 +71,8 @@ TEST(Allocation, NothrowFormsTakeFromTheMemoryServiceToo) {
 
 TEST(Allocation, SizedDeletesGiveTheBlockBack) {
     test::CountingMemoryService memory;
-    void* const plain = ::operator new(byteCount);
-    void* const array = ::operator new[](byteCount);
+    void* const plain = plainNew(byteCount);
+    void* const array = arrayNew(byteCount);
     ::operator delete(plain, byteCount);
     ::operator delete[](array, byteCount);
     EXPECT_EQ(memory.getReleases(), 2);
@@ -78,9 +82,9 @@ TEST(Allocation, SizedDeletesGiveTheBlockBack) {
 TEST(Allocation, NewThrowsWithoutMemory) {
     test::CountingMemoryService memory;
     memory.failAt(1);
-    EXPECT_THROW(static_cast<void>(::operator new(byteCount)), std::bad_alloc);
+    EXPECT_THROW(plainNew(byteCount), std::bad_alloc);
     memory.failAt(1);
-    EXPECT_THROW(static_cast<void>(::operator new[](byteCount)), std::bad_alloc);
+    EXPECT_THROW(arrayNew(byteCount), std::bad_alloc);
 }
 
 TEST(Allocation, NothrowFormsAnswerNullWithoutMemory) {
@@ -98,8 +102,8 @@ TEST(Allocation, NothrowFormsAnswerNullWhateverIsThrown) {
 }
 
 TEST(Allocation, NewOfNothingIsABlockOfItsOwn) {
-    void* const first = ::operator new(0);
-    void* const second = ::operator new(0);
+    void* const first = plainNew(0);
+    void* const second = plainNew(0);
     EXPECT_NE(first, nullptr);
     EXPECT_NE(first, second);
     ::operator delete(first);

@@ -119,10 +119,9 @@ TEST_F(OxDecouplingQueue, SetsThePriorityOfEachThreadAndThenHandsItTheOption) {
     make({.numThreads = 2});
     std::vector<std::string> calls = threads.calls();
     std::erase_if(calls, [](std::string const& call) { return call.starts_with("wait"); });
-    EXPECT_THAT(calls,
-                ElementsAre("make event 1 auto clear 0", "make event 2 manual clear 0",
-                            "make thread DQ<test::Job>", "priority 3 of 1", "affinity -1 of 1",
-                            "make thread DQ<test::Job>", "priority 3 of 2", "affinity -1 of 2"));
+    EXPECT_THAT(calls, ElementsAre("make event 1 auto clear 0", "make event 2 manual clear 0",
+                                   "make thread DQ<test::Job>", "priority 3 of 1", "affinity -1 of 1",
+                                   "make thread DQ<test::Job>", "priority 3 of 2", "affinity -1 of 2"));
 }
 
 TEST_F(OxDecouplingQueue, HandsOnPriorityAndOptionUnchanged) {
