@@ -14,21 +14,21 @@ function(playfile_add_plugin target file_name folder)
         INSTALL_RPATH "$ORIGIN/../..")
 endfunction()
 
-playfile_glob(sources plugins/synth/*.cpp)
-playfile_add_plugin(playfile_plugin_synth synth "${PLAYFILE_PLUGIN_DIR}" ${sources})
+set(PLAYFILE_PLUGINS synth ffmpeg)
 
-playfile_glob(sources plugins/ffmpeg/*.cpp)
-playfile_add_plugin(playfile_plugin_ffmpeg ffmpeg "${PLAYFILE_PLUGIN_DIR}" ${sources})
+# All plug-ins that the running of a program may need.
+add_custom_target(playfile_plugins)
+
+foreach(plugin IN LISTS PLAYFILE_PLUGINS)
+    playfile_glob(sources plugins/${plugin}/*.cpp)
+    playfile_add_plugin(playfile_plugin_${plugin} ${plugin} "${PLAYFILE_PLUGIN_DIR}" ${sources})
+    if(TARGET playfile_plugin_${plugin})
+        add_dependencies(playfile_plugins playfile_plugin_${plugin})
+    endif()
+endforeach()
+
 if(TARGET playfile_plugin_ffmpeg)
     pkg_check_modules(PLAYFILE_FFMPEG REQUIRED IMPORTED_TARGET
         libavformat libavcodec libavutil libswscale)
     target_link_libraries(playfile_plugin_ffmpeg PRIVATE PkgConfig::PLAYFILE_FFMPEG)
 endif()
-
-# All plug-ins that the running of a program may need.
-add_custom_target(playfile_plugins)
-foreach(plugin synth ffmpeg)
-    if(TARGET playfile_plugin_${plugin})
-        add_dependencies(playfile_plugins playfile_plugin_${plugin})
-    endif()
-endforeach()

@@ -1,0 +1,67 @@
+# The front door.
+#
+#   make run [CLIP=file] [OUT=dir]   shows a clip: the project's own, or yours; pictures go to OUT
+#   make test                        builds and tests everything, sanitizers included
+#   make soak [SOAK_SECONDS=n]       the long versions of the tests that take time
+#   make bench                       the benchmarks
+#   make check                       layers, headers, symbols, words, format, tidiness
+#   make format                      lays out the sources
+#   make install [PREFIX=dir]        installs the release build
+#   make clean                       removes the build trees
+#
+# Each of them first installs what is missing, from Debian's packages.
+
+OUT ?= out
+PREFIX ?= /usr/local
+JOBS ?= $(shell nproc)
+SOAK_SECONDS ?= 300
+
+MEDIA := build/media
+PROGRAM := build/release/bin/playfile
+ifeq ($(CLIP),)
+SHOWN := $(MEDIA)/demo.mp4
+else
+SHOWN := $(CLIP)
+endif
+
+.DEFAULT_GOAL := help
+.PHONY: help deps run test soak bench check format install clean dev release asan tsan tsa
+
+help:
+	@sed -n '/^# The front/,/^$$/s/^# \{0,1\}//p' Makefile
+
+deps:
+	@scripts/install-deps.sh
+
+dev release asan tsan tsa: deps
+	@scripts/build.sh $@ -j $(JOBS)
+
+run: deps
+	@scripts/build.sh release -j $(JOBS) playfile_cli
+ifeq ($(CLIP),)
+	@scripts/make-test-media.sh $(MEDIA) demo.mp4
+endif
+	@$(PROGRAM) show "$(SHOWN)" --out "$(OUT)"
+
+test: deps
+	@JOBS=$(JOBS) scripts/test-all.sh
+
+soak: release
+	@PLAYFILE_SOAK_SECONDS=$(SOAK_SECONDS) ctest --preset release -L 'stress|crash|lifetime|real'
+
+bench: release
+	@scripts/make-test-media.sh $(MEDIA)
+	build/release/bin/playfile_micro
+	build/release/bin/playfile_workload $(or $(CLIP),$(MEDIA)/demo.mp4)
+
+check: release tsa
+	@scripts/check-all.sh
+
+format: deps
+	@scripts/check-format.py --fix
+
+install: release
+	cmake --install build/release --prefix "$(PREFIX)"
+
+clean:
+	rm -rf build

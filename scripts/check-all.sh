@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# Runs all checks of the tree; needs the builds of the presets release and tsa.
+set -uo pipefail
+cd "$(dirname "$0")/.."
+
+failed=()
+check() { "scripts/$1" "${@:2}" || failed+=("$1"); }
+
+check check-words.py
+check check-layers.py
+check check-format.py
+check check-headers.py
+check check-symbols.py build/release
+check check-tidy.py build/tsa
+
+if [ ${#failed[@]} != 0 ]; then
+    echo "failed: ${failed[*]}" >&2
+    exit 1
+fi

@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# Builds every preset and runs all tests: all labels on the release build, then the suites under the
+# address and undefined-behaviour sanitizers and under the thread sanitizer.
+#
+# A step that fails does not keep the later ones from running; the table at the end says what passed
+# and how long it took. The exit code is 0 only when every step passed.
+set -uo pipefail
+cd "$(dirname "$0")/.."
+
+jobs=${JOBS:-$(nproc)}
+began=$SECONDS
+table=()
+failures=0
+
+step() {
+    local name=$1 start=$SECONDS outcome=passed
+    shift
+    echo
+    echo "=== $name"
+    if ! "$@"; then
+        outcome=FAILED
+        failures=$((failures + 1))
+    fi
+    table+=("$(printf '%-34s %-7s %5d s' "$name" "$outcome" $((SECONDS - start)))")
+    [ "$outcome" = passed ]
+}
+
+suite() { ctest --test-dir "build/$1" --output-on-failure --no-tests=error -j "$jobs" "${@:2}"; }
+
+step "test media" scripts/make-test-media.sh build/media
+step "build tsa (thread-safety analysis)" scripts/build.sh tsa -j "$jobs"
+step "build release" scripts/build.sh release -j "$jobs" &&
+    step "tests, release" suite release
+step "build asan" scripts/build.sh asan -j "$jobs" &&
+    step "tests, asan and ubsan" suite asan
+step "build tsan" scripts/build.sh tsan -j "$jobs" &&
+    step "tests, tsan" suite tsan
+
+echo
+echo "=== all steps, $(((SECONDS - began) / 60)) min $(((SECONDS - began) % 60)) s"
+printf '%s\n' "${table[@]}"
+exit $((failures != 0))
