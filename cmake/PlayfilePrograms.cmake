@@ -46,7 +46,9 @@ playfile_glob(support bench/support/*.cpp)
 playfile_add_program(playfile_workload playfile_workload ${sources} ${support})
 if(TARGET playfile_workload)
     find_package(CLI11 REQUIRED)
+    find_package(nlohmann_json REQUIRED)
     pkg_check_modules(PLAYFILE_WORKLOAD_FFMPEG REQUIRED IMPORTED_TARGET
         libavformat libavcodec libavutil libswscale)
-    target_link_libraries(playfile_workload PRIVATE CLI11::CLI11 PkgConfig::PLAYFILE_WORKLOAD_FFMPEG)
+    target_link_libraries(playfile_workload PRIVATE
+        CLI11::CLI11 nlohmann_json::nlohmann_json PkgConfig::PLAYFILE_WORKLOAD_FFMPEG)
 endif()

@@ -1,0 +1,32 @@
+/// Reads frame 0 of a file and prints its size:  example_read_a_frame PLUGIN_FOLDER FILE
+#include <cstdio>
+#include <future>
+
+#include "files/PlayFileCache.h"
+#include "host/memory/MemoryCatalogue.h"
+#include "toolkit/plugins/Plugin.h"
+#include "video/VideoReadRequest.h"
+
+struct Waiter : ReadRequestIssuer {
+    ~Waiter() override { withdraw(); }
+    void requestCompleted(Ox::Ptr<iObject>&, RequestStatus status) override { end.set_value(status); }
+    std::promise<RequestStatus> end;
+};
+
+int main(int argc, char** argv) {
+    loadPlugins(fromUTF8(argc == 3 ? argv[1] : ""));
+    Cookie const clip(Ox::UUID::generate(), 'V', 0);
+    MemoryCatalogue::instance().add(clip, fromUTF8(argc == 3 ? argv[2] : ""));
+
+    Waiter waiter;
+    Ox::Ptr<VideoReadRequest> request;
+    OxResult const result = PlayFileCache::Shared()->videoReadRequest(
+        request, clip, 0, false, resultDecompressed, DecodeFormat::getDefault(), waiter.getProxy());
+    if (result != oxSuccess || waiter.end.get_future().get() != requestComplete) {
+        return 1;
+    }
+    Ox::Image::Surface picture;
+    request->getResultBuffer()->getSurface(0, picture);
+    std::printf("frame 0 is %u x %u\n", picture.getWidth(), picture.getHeight());
+    return 0;
+}
