@@ -1,0 +1,48 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "tests/fakes/CallLog.h"
+#include "toolkit/catalogue/MaterialInfo.h"
+#include "toolkit/catalogue/SystemCache.h"
+#include "toolkit/edit/Edit.h"
+
+/// Catalogue, material facts and clips, all in memory and all recorded; in force while it lives.
+///
+/// Threads  Any.
+class FakeCatalogue : public SystemCache, public MaterialInfo::iStore, public iEditStore {
+public:
+    explicit FakeCatalogue(std::shared_ptr<CallLog> calls);
+    ~FakeCatalogue() override;
+
+    /// Files a path under a cookie, for one level.
+    void addFile(Cookie const& cookie, std::string const& path, std::uint32_t level = levelOriginal);
+    void setStartOffset(Cookie const& cookie, std::int32_t offset);
+    /// Makes a clip that can be opened; `settings` null: it has no decode settings.
+    void addEdit(Cookie const& cookie, std::unique_ptr<configb> settings);
+    /// Clips that are open at this moment.
+    [[nodiscard]] int openEdits() const;
+
+    bool findFileForCookie(Cookie const& cookie, LightweightString<wchar_t>& filename,
+                           DecodeFormat const& format) override;
+    std::int32_t getStartOffset(Cookie const& cookie) override;
+    Ox::Ptr<Edit> open(Cookie const& cookie) override;
+    void close(Edit& edit) override;
+
+private:
+    std::shared_ptr<CallLog> const calls_;
+    mutable std::mutex lock_;
+    std::map<std::pair<std::string, std::uint32_t>, std::string> files_;
+    std::map<std::string, std::int32_t> offsets_;
+    std::map<std::string, Ox::Ptr<Edit>> edits_;
+    int openEdits_ = 0;
+    SystemCache* const oldCatalogue_;
+    MaterialInfo::iStore* const oldMaterial_;
+    iEditStore* const oldEdits_;
+};
+
+/// A cookie that tells its clip from those of other numbers.
+[[nodiscard]] Cookie makeCookie(unsigned clip, CookieType type = 'V', std::uint8_t channel = 0);

@@ -1,0 +1,44 @@
+#include "tests/fakes/RecordingIssuer.h"
+
+#include <atomic>
+
+#include "gtest/gtest.h"
+#include "tests/fakes/Gate.h"
+
+namespace {
+
+unsigned nextOrder() {
+    static std::atomic<unsigned> counter{0};
+    return ++counter;
+}
+
+}  // namespace
+
+void RecordingIssuer::requestCompleted(Ox::Ptr<iObject>& result, RequestStatus status) {
+    Call const call{result, status, std::this_thread::get_id(), nextOrder()};
+    {
+        std::lock_guard const scope(lock_);
+        calls_.push_back(call);
+    }
+    if (onCall_) {
+        onCall_(call);
+    }
+    std::lock_guard const scope(lock_);
+    changed_.notify_all();
+}
+
+bool RecordingIssuer::waitForCalls(std::size_t count) {
+    std::unique_lock scope(lock_);
+    return changed_.wait_for(scope, testPatience, [&] { return calls_.size() >= count; });
+}
+
+std::vector<RecordingIssuer::Call> RecordingIssuer::calls() const {
+    std::lock_guard const scope(lock_);
+    return calls_;
+}
+
+RecordingIssuer::Call RecordingIssuer::only() const {
+    std::lock_guard const scope(lock_);
+    EXPECT_EQ(calls_.size(), 1U);
+    return calls_.empty() ? Call{nullptr, requestBuilt, {}, 0} : calls_.front();
+}

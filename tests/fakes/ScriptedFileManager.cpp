@@ -1,0 +1,60 @@
+#include "tests/fakes/ScriptedFileManager.h"
+
+#include <utility>
+
+namespace {
+
+/// A handle that records its end.
+class ScriptedHandle : public iFile {
+public:
+    ScriptedHandle(std::shared_ptr<CallLog> calls, std::string name)
+        : calls_(std::move(calls)), name_(std::move(name)) {}
+    ~ScriptedHandle() override { calls_->add("fm.release " + name_); }
+    std::uint32_t read(void*, std::uint32_t) override { return 0; }
+    std::uint32_t write(void const*, std::uint32_t) override { return 0; }
+    bool setPosition(std::uint64_t) override { return false; }
+    std::uint64_t getPosition() const override { return 0; }
+
+private:
+    std::shared_ptr<CallLog> const calls_;
+    std::string const name_;
+};
+
+}  // namespace
+
+ScriptedFileManager::ScriptedFileManager(std::shared_ptr<CallLog> calls)
+    : calls_(std::move(calls)), old_(installFileManager(this)) {}
+
+ScriptedFileManager::~ScriptedFileManager() {
+    installFileManager(old_);
+}
+
+bool ScriptedFileManager::fileExists(LightweightString<wchar_t> const& path) {
+    std::string const name = narrow(path);
+    calls_->add("fm.exists " + name);
+    existsGate.pass();
+    return files_.contains(name);
+}
+
+Ox::Ptr<iFile> ScriptedFileManager::openFile(LightweightString<wchar_t> const& name, std::uint32_t access,
+                                             std::uint32_t behaviour, std::uint32_t share,
+                                             std::uint32_t option) {
+    std::string text = "fm.open " + narrow(name);
+    for (std::uint32_t const argument : {access, behaviour, share, option}) {
+        text += " " + std::to_string(argument);
+    }
+    calls_->add(text);
+    if (!opensFiles) {
+        return {};
+    }
+    return Ox::makePtr<ScriptedHandle>(calls_, narrow(name));
+}
+
+LightweightString<wchar_t> ScriptedFileManager::getMountedFilename(LightweightString<wchar_t> const& name) {
+    calls_->add("fm.mount " + narrow(name));
+    return wide(mount(narrow(name)));
+}
+
+LightweightString<wchar_t> ScriptedFileManager::getDisplayFilename(LightweightString<wchar_t> const& name) {
+    return wide(display(narrow(name)));
+}

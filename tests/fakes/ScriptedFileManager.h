@@ -1,0 +1,57 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+
+#include "ole/os/FileManager.h"
+#include "tests/fakes/CallLog.h"
+#include "tests/fakes/Gate.h"
+
+/// A file manager of files that exist because a test says so; in force while it lives.
+///
+/// It records the operations that opening a file uses, as "fm.exists name" and so on; the others do
+/// nothing.
+///
+/// Threads  Any; what exists is said before it is asked for.
+class ScriptedFileManager : public iFileManager {
+public:
+    explicit ScriptedFileManager(std::shared_ptr<CallLog> calls);
+    ~ScriptedFileManager() override;
+
+    void addFile(std::string const& name) { files_.insert(name); }
+    void removeFile(std::string const& name) { files_.erase(name); }
+    /// Where every existence test waits.
+    Gate existsGate{true};
+    /// False makes `openFile` answer empty.
+    bool opensFiles = true;
+    /// Makes the mounted name of a name; as it comes: the same.
+    std::function<std::string(std::string)> mount = [](std::string name) { return name; };
+    /// Makes the display form of a name; as it comes: the same.
+    std::function<std::string(std::string)> display = [](std::string name) { return name; };
+
+    eCopyRC copyFile(LightweightString<wchar_t> const&, LightweightString<wchar_t> const&, bool, CopyProgress,
+                     void*) override {
+        return copyFailed;
+    }
+    bool renameFile(LightweightString<wchar_t> const&, LightweightString<wchar_t> const&, bool) override {
+        return false;
+    }
+    bool deleteFile(LightweightString<wchar_t> const&) override { return false; }
+    bool fileExists(LightweightString<wchar_t> const& path) override;
+    bool isRemote(LightweightString<wchar_t> const&) override { return false; }
+    DirectoryItem getFileInfo(LightweightString<wchar_t> const&) override { return {}; }
+    bool createDirectory(LightweightString<wchar_t> const&) override { return false; }
+    wchar_t getPathSeparator() const override { return L'/'; }
+    Ox::Ptr<iFile> openFile(LightweightString<wchar_t> const& name, std::uint32_t access,
+                            std::uint32_t behaviour, std::uint32_t share, std::uint32_t option) override;
+    std::uint64_t getFileSize(LightweightString<wchar_t> const&) override { return 0; }
+    LightweightString<wchar_t> getMountedFilename(LightweightString<wchar_t> const& name) override;
+    LightweightString<wchar_t> getDisplayFilename(LightweightString<wchar_t> const& name) override;
+
+private:
+    std::shared_ptr<CallLog> const calls_;
+    std::set<std::string> files_;
+    iFileManager* const old_;
+};
