@@ -26,7 +26,9 @@ private:
     Lines lines_;
 };
 
-[[nodiscard]] inline std::string narrow(LightweightString<wchar_t> const& text) { return toUTF8(text).str(); }
+[[nodiscard]] inline std::string narrow(LightweightString<wchar_t> const& text) {
+    return toUTF8(text).str();
+}
 [[nodiscard]] inline LightweightString<wchar_t> wide(std::string const& text) {
     return fromUTF8(text.c_str());
 }

@@ -15,7 +15,9 @@ public:
         : calls_(std::move(calls)), old_(installLogSink(this)) {}
     ~LogToCalls() override { installLogSink(old_); }
 
-    void writeToConsole(LightweightString<char> const& text) override { calls_->add("console " + text.str()); }
+    void writeToConsole(LightweightString<char> const& text) override {
+        calls_->add("console " + text.str());
+    }
     void writeToLog(LightweightString<char> const& text) override { calls_->add("log " + text.str()); }
 
 private:

@@ -166,7 +166,8 @@ TEST_F(PlayFileCacheVideoTest, AddsHalfTheStartOffsetTruncatedTowardZero) {
         std::int32_t offset;
         std::uint32_t read;
     };
-    for (auto const& [offset, read] : {Case{5, 52}, {-5, 48}, {4, 52}, {-4, 48}, {1, 50}, {-1, 50}, {0, 50}}) {
+    for (auto const& [offset, read] :
+         {Case{5, 52}, {-5, 48}, {4, 52}, {-4, 48}, {1, 50}, {-1, 50}, {0, 50}}) {
         catalogue.setStartOffset(cookie, offset);
         EXPECT_EQ(ask(50), oxSuccess);
         EXPECT_EQ(request->frame, read) << "offset " << offset;
@@ -210,9 +211,9 @@ TEST_F(PlayFileCacheVideoTest, PassesANegativeFrameOnAsAStreamPastTheEnd) {
 
 TEST_F(PlayFileCacheVideoTest, WorksOnTheSharedCacheWhicheverObjectItIsCalledOn) {
     PlayFileCache own(2, 4);
-    EXPECT_EQ(own.videoReadRequest(request, cookie, 7, false, resultAsDelivered, DecodeFormat(),
-                                   issuer.getProxy()),
-              oxSuccess);
+    EXPECT_EQ(
+        own.videoReadRequest(request, cookie, 7, false, resultAsDelivered, DecodeFormat(), issuer.getProxy()),
+        oxSuccess);
     EXPECT_EQ(own.getOpenCount(), 0U);
     EXPECT_EQ(PlayFileCache::Shared()->getOpenCount(), 1U);
 }

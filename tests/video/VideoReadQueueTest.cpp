@@ -113,8 +113,9 @@ TEST_F(VideoReadQueueTest, TellsTheIssuersWhenItIsPurgedDuringARead) {
 
 TEST_F(VideoReadQueueTest, FinishesAPurgedReadThatNobodyHolds) {
     script->readGate.close();
-    ask(5, {.issuer = &first});
+    RequestPtr request = ask(5, {.issuer = &first});
     ASSERT_TRUE(script->readGate.waitForArrivals(1));
+    request = nullptr;
     queue.purge();
     finish();
     EXPECT_EQ(first.only().status, requestComplete);
@@ -162,8 +163,9 @@ TEST_F(VideoReadQueueTest, LimitUsageKeepsTheOrderOfWhatItKeeps) {
 
 TEST_F(VideoReadQueueTest, LimitUsageKeepsARequestUnderWay) {
     script->readGate.close();
-    ask(5, {.issuer = &first});
+    RequestPtr request = ask(5, {.issuer = &first});
     ASSERT_TRUE(script->readGate.waitForArrivals(1));
+    request = nullptr;
     queue.limitUsage();
     EXPECT_EQ(queue.getActiveCount(), 1U);
 }

@@ -1,6 +1,7 @@
 #include "video/VideoReadRequest.h"
 
 #include <functional>
+#include <future>
 #include <memory>
 #include <utility>
 
@@ -278,8 +279,7 @@ TEST_F(VideoReadRequestTest, EndsAsFailedWhenItCompletesWithoutABuffer) {
 TEST_F(VideoReadRequestTest, ShowsTheOldStatusDuringTheCallback) {
     Ox::Ptr<VideoReadRequest> request;
     RequestStatus during = requestFailed;
-    RecordingIssuer looking(
-        [&](RecordingIssuer::Call const&) { during = request->getRequestStatus(); });
+    RecordingIssuer looking([&](RecordingIssuer::Call const&) { during = request->getRequestStatus(); });
     request = Ox::makePtr<VideoReadRequest>(file, noIndexInfo, 7U, resultAsDelivered, DecodeFormat(),
                                             looking.getProxy());
     request->setResultBuffer(buffer);
@@ -293,13 +293,17 @@ TEST_F(VideoReadRequestTest, LeavesAnIssuerUntoldThatIsMergedInBetweenCallbacksA
     Ox::Ptr<VideoReadRequest> request;
     RecordingIssuer late;
     IssuersT const lateSet(late.getProxy());
-    RecordingIssuer merging(
-        [&](RecordingIssuer::Call const&) { request->issuers.addIssuersFrom(lateSet); });
+    std::future<void> merge;
+    RecordingIssuer merging([&](RecordingIssuer::Call const&) {
+        merge = std::async(std::launch::async, [&] { request->issuers.addIssuersFrom(lateSet); });
+    });
     request = Ox::makePtr<VideoReadRequest>(file, noIndexInfo, 7U, resultAsDelivered, DecodeFormat(),
                                             merging.getProxy());
     request->setResultBuffer(buffer);
     request->requestHasCompleted(requestComplete);
+    merge.get();
     EXPECT_EQ(late.callCount(), 0U);
+    EXPECT_EQ(request->issuers.size(), 1U);
     EXPECT_EQ(request->getRequestStatus(), requestComplete);
 }
 
