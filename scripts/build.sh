@@ -7,11 +7,15 @@ cd "$(dirname "$0")/.."
 
 preset=${1:?a preset: dev, release, asan, tsan or tsa}
 shift
-jobs=()
+options=()
 if [ "${1:-}" = -j ]; then
-    jobs=(-j "$2")
+    options+=(-j "${2:?a number of jobs}")
     shift 2
 fi
+if [ $# != 0 ]; then
+    options+=(--target "$@")
+fi
+
 mkdir -p "build/$preset"
 if [ ! -e "build/$preset/build.ninja" ]; then
     log="build/$preset/configure.log"
@@ -20,4 +24,4 @@ if [ ! -e "build/$preset/build.ninja" ]; then
         exit 1
     }
 fi
-cmake --build "build/$preset" "${jobs[@]}" ${1:+--target "$@"}
+cmake --build "build/$preset" "${options[@]}"

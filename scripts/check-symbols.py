@@ -23,17 +23,29 @@ SANITIZERS = {"libasan.so.8", "libubsan.so.1", "libtsan.so.2"}
 ALLOWED = {"playfile_host": RUNTIME, "playfile": RUNTIME | {"libplayfile_host.so.0"}}
 
 ALLOCATION = {
-    "_Znwm", "_Znam", "_ZnwmRKSt9nothrow_t", "_ZnamRKSt9nothrow_t", "_ZnwmSt11align_val_t",
-    "_ZnamSt11align_val_t", "_ZdlPv", "_ZdaPv", "_ZdlPvm", "_ZdaPvm", "_ZdlPvSt11align_val_t",
-    "_ZdaPvSt11align_val_t",
+    "_Znwm", "_Znam", "_ZnwmRKSt9nothrow_t", "_ZnamRKSt9nothrow_t",
+    "_ZdlPv", "_ZdaPv", "_ZdlPvm", "_ZdaPvm", "_ZdlPvRKSt9nothrow_t", "_ZdaPvRKSt9nothrow_t",
 }
 
 # Strong symbols only: which inline functions a library happens to hold is the compiler's affair.
 STRONG = set("TDBR")
 OF_OTHERS = re.compile(r"^(std|__gnu_cxx|__cxxabiv1)::|^(typeinfo|vtable|typeinfo name|VTT|guard variable)"
                        r"( for)? (std|__gnu_cxx)::|^operator (new|delete)")
-PREFIX = re.compile(r"^(vtable|typeinfo name|typeinfo|VTT|construction vtable|guard variable|"
-                    r"(non-)?virtual thunk|covariant return thunk)( for| to) ")
+OF_A_CLASS = re.compile(r"^(vtable|typeinfo name|typeinfo|VTT|construction vtable) for ")
+OF_A_NAME = re.compile(r"^(guard variable for|(non-)?virtual thunk to|covariant return thunk to) ")
+
+
+def namespaces():
+    """All namespaces that our headers open, with those around them."""
+    found = set()
+    for header in sources.code((".h",), sources.LIBRARY_FOLDERS + ("host",)):
+        for name in re.findall(r"^namespace (\w+(?:::\w+)*)", (sources.ROOT / header).read_text(), re.MULTILINE):
+            parts = name.split("::")
+            found |= {"::".join(parts[:end]) for end in range(1, len(parts) + 1)}
+    return found
+
+
+NAMESPACES = namespaces()
 
 
 def run(*command):
@@ -78,14 +90,12 @@ def family(name):
     """The class of a member, or the function itself."""
     if OF_OTHERS.match(name):
         return None
-    is_of_class = PREFIX.match(name)
-    stem = without_brackets(PREFIX.sub("", name)).strip().split(" ")[-1]
+    stem = without_brackets(OF_A_CLASS.sub("", OF_A_NAME.sub("", name))).strip()
+    stem = re.sub(r" ?\[.*", "", stem).split(" ")[-1]
     if not stem or OF_OTHERS.match(stem) or "{" in stem:
         return None
-    if is_of_class:
-        return stem
     scope = stem.rpartition("::")[0]
-    return scope if scope.rpartition("::")[2][:1].isupper() or "::i" in f"::{scope}" else stem
+    return stem if OF_A_CLASS.match(name) or not scope or scope in NAMESPACES else scope
 
 
 def families(names):
@@ -93,7 +103,7 @@ def families(names):
 
 
 def runtime_paths(library):
-    return [match[1] for match in re.finditer(r"=> (/\S+)", run("ldd", str(library)))]
+    return re.findall(r"(/\S+) \(0x", run("ldd", str(library)))
 
 
 def check_needed(name, library, findings):

@@ -16,8 +16,8 @@ namespace {
 constexpr std::size_t byteCount = 40;
 
 /// Called through these, so that the compiler can't leave out a block that nobody uses.
-void* (*volatile const plainNew)(std::size_t) = &::operator new;
-void* (*volatile const arrayNew)(std::size_t) = &::operator new[];
+void* (*const volatile plainNew)(std::size_t) = &::operator new;
+void* (*const volatile arrayNew)(std::size_t) = &::operator new[];
 
 /// Throws something that is no exception of the standard library.
 class OddMemoryService final : public iMemoryService {

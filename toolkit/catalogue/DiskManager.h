@@ -30,7 +30,7 @@ struct DiskNotification {
     /// The paths concerned; empty for all.
     std::vector<LightweightString<wchar_t>> paths;
     NotifyMsgType type = 0;
-    /// Seconds since the media changed, 0.0 for now.
+    /// Seconds since the media changed, 0.0 if that is this moment.
     double time = 0.0;
 };
 

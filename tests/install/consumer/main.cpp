@@ -12,7 +12,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     if (std::strcmp(playfileDllVersionStr(), argv[1]) != 0) {
-        std::fprintf(stderr, "the library says it is %s, the package says %s\n", playfileDllVersionStr(), argv[1]);
+        std::fprintf(stderr, "the library says it is %s, the package says %s\n", playfileDllVersionStr(),
+                     argv[1]);
         return 1;
     }
     playfile_init();
