@@ -93,3 +93,11 @@ foreach(folder IN LISTS folders)
     playfile_glob(sources "tests/${folder}/*.cpp")
     playfile_add_test_folder("${folder}" ${sources})
 endforeach()
+
+if(TARGET test_examples)
+    add_dependencies(test_examples ${playfile_examples})
+    target_compile_definitions(test_examples PRIVATE
+        PLAYFILE_BIN_DIR="${CMAKE_BINARY_DIR}/bin"
+        PLAYFILE_EXAMPLE_PLUGIN_DIR="${PLAYFILE_EXAMPLE_PLUGIN_DIR}"
+        PLAYFILE_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
+endif()
