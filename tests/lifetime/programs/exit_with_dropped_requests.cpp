@@ -1,11 +1,11 @@
 /// Ends while one frame is being read and the requests behind it have been dropped by their callers.
+#include "tests/fakes/Gate.h"
 #include "tests/lifetime/TinyMedia.h"
-#include "tests/support/Gate.h"
 
 namespace {
 
 tiny::CountsAtTheEnd const countsAtTheEnd;
-test::Gate gate;
+Gate gate{false};
 
 }  // namespace
 
@@ -14,7 +14,7 @@ int main() {
     {
         tiny::FilePtr const file = tiny::open();
         auto const requests = tiny::askMany(file, 0, 20);
-        gate.awaitArrivals(1);
+        static_cast<void>(gate.waitForArrivals(1));
     }
     tiny::atShutdown(400, [] { gate.open(); });
 }

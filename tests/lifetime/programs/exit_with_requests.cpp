@@ -4,19 +4,19 @@
 #include <string_view>
 #include <thread>
 
+#include "tests/fakes/Gate.h"
 #include "tests/lifetime/TinyMedia.h"
-#include "tests/support/Gate.h"
 
 namespace {
 
 tiny::CountsAtTheEnd const countsAtTheEnd;
-test::Gate gate;
+Gate gate{false};
 
 void readAndExit() {
     tiny::onRead = [] { gate.pass(); };
     tiny::FilePtr const file = tiny::open();
     auto const requests = tiny::askMany(file, 0, 20);
-    gate.awaitArrivals(1);
+    static_cast<void>(gate.waitForArrivals(1));
     tiny::atShutdown(400, [] {
         tiny::say("shutdown");
         gate.open();

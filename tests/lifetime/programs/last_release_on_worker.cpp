@@ -2,14 +2,14 @@
 /// open ("open"), shut by hand ("shut"), or while the process ends ("exit").
 #include <string_view>
 
+#include "tests/fakes/Gate.h"
 #include "tests/lifetime/TinyMedia.h"
-#include "tests/support/Gate.h"
 #include "video/QueuePools.h"
 
 namespace {
 
-test::Gate gate;
-test::Gate fileGone;
+Gate gate{false};
+Gate fileGone{false};
 
 /// Tells of its end.
 class WatchedFile : public tiny::File {
@@ -26,7 +26,7 @@ void leaveFileToItsWorker() {
     tiny::onRead = [] { gate.pass(); };
     tiny::FilePtr const file(new WatchedFile(L"/dev/null", DecodeFormat(), OpenType::video));
     tiny::RequestPtr const request = tiny::ask(file, 1);
-    gate.awaitArrivals(1);
+    static_cast<void>(gate.waitForArrivals(1));
     file->purge();
 }
 

@@ -5,13 +5,12 @@
 #include <functional>
 #include <memory>
 
+#include "tests/fakes/Gate.h"
 #include "tests/ole/Ox/JobOwner.h"
 #include "tests/ole/Ox/RecordedThreads.h"
-#include "tests/support/Gate.h"
 
 namespace {
 
-using test::Gate;
 using test::Job;
 using test::JobOwner;
 using test::QueueSetup;
@@ -43,7 +42,7 @@ protected:
             }
         };
         owner->add(0);
-        gate.awaitArrivals(1);
+        EXPECT_TRUE(gate.waitForArrivals(1));
         return owner;
     }
 
@@ -60,7 +59,7 @@ TEST_F(OxDecouplingQueueStop, SetsTheStoppingEventAndThenWaitsForEachThreadWitho
 }
 
 TEST_F(OxDecouplingQueueStop, DespatchesTheBacklogBeforeTheWaitEnds) {
-    Gate gate;
+    Gate gate{false};
     auto const owner = makeBusy(gate);
     owner->enqueue({1, 2, 3});
     std::vector<int> doneBeforeTheWait{-1};
@@ -74,7 +73,7 @@ TEST_F(OxDecouplingQueueStop, DespatchesTheBacklogBeforeTheWaitEnds) {
 }
 
 TEST_F(OxDecouplingQueueStop, DespatchesTheBacklogOnTheWorkers) {
-    Gate gate;
+    Gate gate{false};
     auto const owner = makeBusy(gate);
     owner->enqueue({1});
     threads.onWaitForEnd = [&] { gate.open(); };
@@ -84,7 +83,7 @@ TEST_F(OxDecouplingQueueStop, DespatchesTheBacklogOnTheWorkers) {
 }
 
 TEST_F(OxDecouplingQueueStop, DespatchesWhatADespatchAddsMeanwhile) {
-    Gate gate;
+    Gate gate{false};
     auto const owner = makeBusy(gate, [](Job const& job, JobOwner& self) {
         if (job.number == 1) {
             self.enqueue({2});
@@ -197,7 +196,7 @@ TEST_F(OxDecouplingQueueStop, OwnerUnregistersAndForgetsItsNameBeforeItsQueueSto
 
 TEST_F(OxDecouplingQueueStop, DerivedOwnersEndDespatchesItsBacklog) {
     std::vector<int> seen;
-    Gate gate;
+    Gate gate{false};
     auto owner = makeBusy(gate, [&seen](Job const& job, JobOwner&) { seen.push_back(job.number); });
     owner->enqueue({1, 2});
     threads.onWaitForEnd = [&] { gate.open(); };

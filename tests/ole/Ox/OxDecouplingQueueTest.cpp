@@ -8,14 +8,13 @@
 #include <memory>
 #include <optional>
 
+#include "tests/fakes/Gate.h"
 #include "tests/ole/Ox/JobOwner.h"
 #include "tests/ole/Ox/RecordedThreads.h"
-#include "tests/support/Gate.h"
 #include "video/VideoReadRequest.h"
 
 namespace {
 
-using test::Gate;
 using test::Job;
 using test::JobOwner;
 using test::QueueSetup;
@@ -65,7 +64,7 @@ protected:
             }
         };
         owner.add(0);
-        gate.awaitArrivals(1);
+        EXPECT_TRUE(gate.waitForArrivals(1));
         return owner;
     }
     void destroyOwner() { owner_.reset(); }
@@ -187,7 +186,7 @@ TEST_F(OxDecouplingQueue, SleepsWithoutLimitIfItIsTold) {
 }
 
 TEST_F(OxDecouplingQueue, DespatchesInOrderOfArrival) {
-    Gate gate;
+    Gate gate{false};
     JobOwner& owner = makeBusy(gate);
     owner.enqueue({1, 2, 3, 4});
     gate.open();
@@ -195,7 +194,7 @@ TEST_F(OxDecouplingQueue, DespatchesInOrderOfArrival) {
 }
 
 TEST_F(OxDecouplingQueue, HoldsAReferenceOfItsOwnToAWaitingRequest) {
-    Gate gate;
+    Gate gate{false};
     JobOwner& owner = makeBusy(gate);
     JobOwner::JobPtr job = Ox::makePtr<Job>(1);
     owner.theQueue()->enqueue(job);
@@ -232,7 +231,7 @@ TEST_F(OxDecouplingQueue, DespatchesWithoutItsLock) {
 }
 
 TEST_F(OxDecouplingQueue, TakesRequestsWhileOneIsDespatched) {
-    Gate gate;
+    Gate gate{false};
     JobOwner& owner = makeBusy(gate);
     owner.add(1);
     EXPECT_THAT(owner.theQueue()->requests(), SizeIs(1));
@@ -298,11 +297,11 @@ TEST_F(OxDecouplingQueue, OneWakeBringsOneWorkerWhichEmptiesTheList) {
 TEST_F(OxDecouplingQueue, EveryWorkerCanBeAtWorkAtOnce) {
     constexpr int workerCount = 4;
     JobOwner& owner = make({.numThreads = workerCount});
-    Gate gate;
+    Gate gate{false};
     owner.onDespatch = [&gate](JobOwner::JobPtr&) { gate.pass(); };
     for (int i = 1; i <= workerCount; ++i) {
         owner.add(i);
-        gate.awaitArrivals(i);
+        EXPECT_TRUE(gate.waitForArrivals(i));
     }
     gate.open();
     EXPECT_THAT(owner.awaitDone(workerCount), SizeIs(workerCount));

@@ -12,8 +12,8 @@
 #include <thread>
 #include <vector>
 
+#include "tests/fakes/Gate.h"
 #include "tests/ole/Ox/RecordedThreads.h"
-#include "tests/support/Gate.h"
 
 namespace {
 
