@@ -14,13 +14,19 @@ function(playfile_add_program target file_name)
         INSTALL_RPATH "$ORIGIN/../lib")
 endfunction()
 
+# All of the command but its main function is a library, so that tests reach its parts.
 playfile_glob(sources tools/playfile/*.cpp)
-playfile_add_program(playfile_cli playfile ${sources})
-if(TARGET playfile_cli)
+list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
+if(sources)
     find_package(CLI11 REQUIRED)
     find_package(nlohmann_json REQUIRED)
     find_package(PNG REQUIRED)
-    target_link_libraries(playfile_cli PRIVATE CLI11::CLI11 nlohmann_json::nlohmann_json PNG::PNG)
+    add_library(playfile_tool STATIC ${sources})
+    playfile_link(playfile_tool playfile playfile_host playfile_store)
+    target_link_libraries(playfile_tool
+        PUBLIC CLI11::CLI11 nlohmann_json::nlohmann_json PNG::PNG)
+    playfile_add_program(playfile_cli playfile "${CMAKE_SOURCE_DIR}/tools/playfile/main.cpp")
+    target_link_libraries(playfile_cli PRIVATE playfile_tool)
 endif()
 
 playfile_glob(sources examples/*.cpp)

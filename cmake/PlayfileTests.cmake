@@ -74,6 +74,9 @@ function(playfile_add_test_folder folder)
     if(TARGET playfile_cli)
         add_dependencies(${target} playfile_cli)
     endif()
+    if(top STREQUAL tools AND TARGET playfile_tool)
+        target_link_libraries(${target} PRIVATE playfile_tool)
+    endif()
     gtest_discover_tests(${target}
         TEST_PREFIX "${folder}/"
         DISCOVERY_MODE PRE_TEST

@@ -1,0 +1,74 @@
+#include "tools/playfile/FrameRequest.h"
+
+#include <chrono>
+
+#include "files/PlayFileCache.h"
+#include "tools/playfile/Interrupt.h"
+
+namespace cli {
+namespace {
+
+/// How long a wait may last before it looks round. An issuer that joins a read which is just ending, or
+/// has failed, is told nothing: then only the request's status says that it is over.
+constexpr std::chrono::milliseconds lookRoundInterval{20};
+
+bool isOver(RequestStatus status) {
+    return status == requestComplete || status == requestFailed;
+}
+
+}  // namespace
+
+FrameRequest::FrameRequest(Cookie const& cookie, std::uint32_t frame, DecodeFormat const& format)
+    : frame_(frame) {
+    OxResult const result = PlayFileCache::Shared()->videoReadRequest(
+        request_, cookie, static_cast<int>(frame), false, resultDecompressed, format, getProxy());
+    if (result != oxSuccess) {
+        noteEnd({}, false);
+    }
+}
+
+FrameRequest::~FrameRequest() {
+    withdraw();
+}
+
+bool FrameRequest::wait(Ox::Image::Surface& surface) {
+    std::unique_lock scope(mutex_);
+    while (!hasEnded_) {
+        checkForInterrupt();
+        if (ended_.wait_for(scope, lookRoundInterval, [this] { return hasEnded_; })) {
+            break;
+        }
+        RequestStatus const status = request_->getRequestStatus();
+        if (isOver(status)) {
+            buffer_ = request_->getResultBuffer();
+            isGood_ = status == requestComplete;
+            hasEnded_ = true;
+        }
+    }
+    return isGood_ && pickPicture(surface);
+}
+
+void FrameRequest::requestCompleted(Ox::Ptr<iObject>& result, RequestStatus status) {
+    noteEnd(Ox::dynamicPtrCast<FrameBufferRep>(result), status == requestComplete);
+}
+
+void FrameRequest::noteEnd(Ox::Ptr<FrameBufferRep> const& buffer, bool isGood) {
+    std::lock_guard const scope(mutex_);
+    buffer_ = buffer;
+    isGood_ = isGood;
+    hasEnded_ = true;
+    ended_.notify_all();
+}
+
+/// A file of one frame has that frame at every number.
+bool FrameRequest::pickPicture(Ox::Image::Surface& surface) const {
+    if (!buffer_) {
+        return false;
+    }
+    std::uint32_t const count = buffer_->getNumFrames();
+    std::uint32_t const fileFrame = request_ ? request_->frame : frame_;
+    std::uint32_t const index = count == 1 ? 0 : fileFrame - buffer_->getStartValidFrameIndex();
+    return index < count && buffer_->getSurface(static_cast<std::uint16_t>(index), surface);
+}
+
+}  // namespace cli

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+/// The frames that a user names: "all", or numbers and ranges as in "0,5,7-9".
+///
+/// Units  Frames of the file, from 0; the ends of a range belong to it.
+class FrameSet {
+public:
+    /// Most frames that one run takes, so that a slip of the pen can't fill the memory.
+    static constexpr std::uint64_t maxFrames = 10'000'000;
+
+    /// @throws CommandError  for a text of another form
+    [[nodiscard]] static FrameSet parse(std::string const& text);
+
+    /// The frames in ascending order, each once.
+    ///
+    /// @param frameCount  frames of the file; a file of one frame has that frame at every number
+    /// @param fileName    for the message
+    /// @throws CommandError  if the file lacks one of them
+    [[nodiscard]] std::vector<std::uint32_t> resolve(std::uint32_t frameCount,
+                                                     std::string const& fileName) const;
+
+private:
+    struct Range {
+        std::uint32_t first;
+        std::uint32_t last;
+    };
+
+    [[nodiscard]] static Range parseRange(std::string const& text, std::string const& whole);
+
+    /// Empty for all frames.
+    std::vector<Range> ranges_;
+};
+
+}  // namespace cli
