@@ -98,7 +98,9 @@ foreach(folder IN LISTS folders)
 endforeach()
 
 if(TARGET test_examples)
-    add_dependencies(test_examples ${playfile_examples})
+    if(playfile_examples)
+        add_dependencies(test_examples ${playfile_examples})
+    endif()
     target_compile_definitions(test_examples PRIVATE
         PLAYFILE_BIN_DIR="${CMAKE_BINARY_DIR}/bin"
         PLAYFILE_EXAMPLE_PLUGIN_DIR="${PLAYFILE_EXAMPLE_PLUGIN_DIR}"
