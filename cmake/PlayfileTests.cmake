@@ -28,6 +28,10 @@ foreach(library playfile playfile_host playfile_store)
         target_link_libraries(playfile_test_support ${scope} ${library})
     endif()
 endforeach()
+# Tests look into the stores with their own eyes.
+if(TARGET playfile_store)
+    target_link_libraries(playfile_test_support ${scope} SQLite::SQLite3)
+endif()
 target_compile_definitions(playfile_test_support ${scope}
     PLAYFILE_TEST_PROGRAM_DIR="${PLAYFILE_TEST_DIR}/programs"
     PLAYFILE_TEST_PLUGIN_DIR="${PLAYFILE_TEST_DIR}/plugins"
