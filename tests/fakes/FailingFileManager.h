@@ -1,0 +1,70 @@
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <limits>
+
+#include "tests/fakes/ForwardingFileManager.h"
+
+namespace test {
+
+/// A file manager whose call of a given number fails, once or from then on. Calls that do something to
+/// the disk or look at it count: copy, rename, delete, the existence test, information, size, folder
+/// and open. A call that fails does nothing.
+///
+/// Threads  Any.
+class FailingFileManager : public ForwardingFileManager {
+public:
+    enum class eHowLong { once, fromThenOn };
+
+    /// Lets the call of that number from now on fail, 1 for the next.
+    void failAt(int number, eHowLong howLong = eHowLong::once) {
+        calls_ = 0;
+        lastToFail_ = howLong == eHowLong::once ? number : std::numeric_limits<int>::max();
+        firstToFail_ = number;
+    }
+    void stopFailing() { firstToFail_ = std::numeric_limits<int>::max(); }
+
+    /// How many calls have come since the last `failAt`.
+    [[nodiscard]] int getCalls() const { return calls_; }
+    /// How many have failed since the last `failAt`: a loop over all calls ends with the first 0.
+    [[nodiscard]] int getFailures() const {
+        return std::max(0, std::min<int>(calls_, lastToFail_) - firstToFail_ + 1);
+    }
+
+    [[nodiscard]] eCopyRC copyFile(Name const& source, Name const& destination, bool replaceExisting,
+                                   CopyProgress progress, void* context) override {
+        return fails() ? copyFailed
+                       : real().copyFile(source, destination, replaceExisting, progress, context);
+    }
+    [[nodiscard]] bool renameFile(Name const& from, Name const& to, bool replaceExisting) override {
+        return !fails() && real().renameFile(from, to, replaceExisting);
+    }
+    bool deleteFile(Name const& path) override { return !fails() && real().deleteFile(path); }
+    [[nodiscard]] bool fileExists(Name const& path) override { return !fails() && real().fileExists(path); }
+    [[nodiscard]] DirectoryItem getFileInfo(Name const& path) override {
+        return fails() ? DirectoryItem{path} : real().getFileInfo(path);
+    }
+    [[nodiscard]] bool createDirectory(Name const& path) override {
+        return !fails() && real().createDirectory(path);
+    }
+    [[nodiscard]] Ox::Ptr<iFile> openFile(Name const& name, std::uint32_t access, std::uint32_t behaviour,
+                                          std::uint32_t share, std::uint32_t option) override {
+        return fails() ? Ox::Ptr<iFile>() : real().openFile(name, access, behaviour, share, option);
+    }
+    [[nodiscard]] std::uint64_t getFileSize(Name const& path) override {
+        return fails() ? 0 : real().getFileSize(path);
+    }
+
+private:
+    bool fails() {
+        int const number = ++calls_;
+        return number >= firstToFail_ && number <= lastToFail_;
+    }
+
+    std::atomic<int> calls_{0};
+    std::atomic<int> firstToFail_{std::numeric_limits<int>::max()};
+    std::atomic<int> lastToFail_{0};
+};
+
+}  // namespace test
