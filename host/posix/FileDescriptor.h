@@ -4,22 +4,25 @@
 
 #include <utility>
 
-/// Owns a descriptor of the system; -1 is none.
+/// An open file of the system, closed at the end. It can be moved.
 class FileDescriptor {
 public:
-    explicit FileDescriptor(int descriptor = -1) : descriptor_(descriptor) {}
+    FileDescriptor() = default;
+    explicit FileDescriptor(int descriptor) noexcept : descriptor_(descriptor) {}
     FileDescriptor(FileDescriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-    FileDescriptor(FileDescriptor const&) = delete;
-    FileDescriptor& operator=(FileDescriptor const&) = delete;
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept {
+        std::swap(descriptor_, other.descriptor_);
+        return *this;
+    }
     ~FileDescriptor() {
-        if (descriptor_ != -1) {
-            close(descriptor_);
+        if (isOpen()) {
+            ::close(descriptor_);
         }
     }
 
-    [[nodiscard]] int get() const { return descriptor_; }
-    explicit operator bool() const { return descriptor_ != -1; }
+    [[nodiscard]] bool isOpen() const noexcept { return descriptor_ >= 0; }
+    [[nodiscard]] int get() const noexcept { return descriptor_; }
 
 private:
-    int descriptor_;
+    int descriptor_ = -1;
 };

@@ -1,18 +1,59 @@
 #include "host/posix/PosixFile.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cerrno>
+
+#include "host/posix/PosixErrors.h"
 
 namespace {
 
-/// Repeats a transfer until all is through, nothing more comes, or it fails; the bytes that went.
-template <class Transfer>
-std::uint32_t transferAll(std::uint32_t byteCount, Transfer const& transfer) {
+constexpr mode_t newFileMode = 0666;
+
+int accessFlags(std::uint32_t access) {
+    bool const reads = (access & iFile::readAccess) != 0;
+    bool const writes = (access & iFile::writeAccess) != 0;
+    if (reads && writes) {
+        return O_RDWR;
+    }
+    return writes ? O_WRONLY : O_RDONLY;
+}
+
+/// Opens without waiting for anybody at the other end of a pipe. A file isn't emptied before it is
+/// known that it is to be shared.
+FileDescriptor openDescriptor(char const* path, std::uint32_t access, std::uint32_t behaviour) {
+    int const creation = behaviour == iFile::existingOnly ? 0 : O_CREAT;
+    return FileDescriptor(
+        ::open(path, accessFlags(access) | creation | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, newFileMode));
+}
+
+bool isFolder(int descriptor) {
+    struct stat status {};
+    return fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+/// False if somebody has the file open in a way that doesn't go with `share`. A file system without
+/// such locks lets everybody in.
+bool mayBeShared(int descriptor, std::uint32_t share) {
+    int const operation = share == iFile::exclusive ? LOCK_EX : LOCK_SH;
+    return flock(descriptor, operation | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+/// Goes on after interruptions and short answers until all is done, the end, or an error.
+template <class Operation>
+std::uint32_t transferAll(std::uint32_t byteCount, Operation&& operation) {
     std::uint32_t done = 0;
     while (done < byteCount) {
-        ssize_t const count = transfer(done, byteCount - done);
-        if (count > 0) {
-            done += static_cast<std::uint32_t>(count);
-        } else if (count == 0 || errno != EINTR) {
+        ssize_t const part = operation(done);
+        if (part > 0) {
+            done += static_cast<std::uint32_t>(part);
+        } else if (part == 0) {
+            break;
+        } else if (errno != EINTR) {
+            keepSystemError();
             break;
         }
     }
@@ -21,22 +62,46 @@ std::uint32_t transferAll(std::uint32_t byteCount, Transfer const& transfer) {
 
 }  // namespace
 
+Ox::Ptr<iFile> PosixFile::open(char const* path, std::uint32_t access, std::uint32_t behaviour,
+                               std::uint32_t share) {
+    FileDescriptor descriptor = openDescriptor(path, access, behaviour);
+    if (!descriptor.isOpen()) {
+        keepSystemError();
+        return {};
+    }
+    if (isFolder(descriptor.get())) {
+        keepSystemError(EISDIR);
+        return {};
+    }
+    bool const isEmptied = behaviour == iFile::createAlways && (access & iFile::writeAccess) != 0;
+    if (!mayBeShared(descriptor.get(), share) || (isEmptied && ftruncate(descriptor.get(), 0) != 0)) {
+        keepSystemError();
+        return {};
+    }
+    return Ox::makePtr<PosixFile>(std::move(descriptor));
+}
+
 std::uint32_t PosixFile::read(void* buffer, std::uint32_t byteCount) {
-    return transferAll(byteCount, [&](std::uint32_t done, std::uint32_t left) {
-        return ::read(descriptor_.get(), static_cast<char*>(buffer) + done, left);
+    return transferAll(byteCount, [&](std::uint32_t done) {
+        return ::read(descriptor_.get(), static_cast<char*>(buffer) + done, byteCount - done);
     });
 }
 
 std::uint32_t PosixFile::write(void const* buffer, std::uint32_t byteCount) {
-    return transferAll(byteCount, [&](std::uint32_t done, std::uint32_t left) {
-        return ::write(descriptor_.get(), static_cast<char const*>(buffer) + done, left);
+    return transferAll(byteCount, [&](std::uint32_t done) {
+        return ::write(descriptor_.get(), static_cast<char const*>(buffer) + done, byteCount - done);
     });
 }
 
 bool PosixFile::setPosition(std::uint64_t offset) {
-    return lseek(descriptor_.get(), static_cast<off_t>(offset), SEEK_SET) != -1;
+    if (lseek(descriptor_.get(), static_cast<off_t>(offset), SEEK_SET) < 0) {
+        keepSystemError();
+        return false;
+    }
+    return true;
 }
 
 std::uint64_t PosixFile::getPosition() const {
-    return static_cast<std::uint64_t>(lseek(descriptor_.get(), 0, SEEK_CUR));
+    off_t const position = lseek(descriptor_.get(), 0, SEEK_CUR);
+    return position < 0 ? 0 : static_cast<std::uint64_t>(position);
 }

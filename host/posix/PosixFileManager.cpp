@@ -2,129 +2,155 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
-#include <cwctype>
+#include <string>
 
-#include "host/posix/FileDescriptor.h"
+#include "host/posix/FileCopy.h"
+#include "host/posix/PosixErrors.h"
 #include "host/posix/PosixFile.h"
+#include "host/posix/Rename.h"
 
 namespace {
 
-constexpr mode_t newFileMode = 0666;
 constexpr mode_t newFolderMode = 0777;
-constexpr wchar_t replacementCharacter = 0xFFFD;
+constexpr std::uint64_t nanosecondsPerSecond = 1'000'000'000;
+constexpr wchar_t replacement = 0xFFFD;
+/// A letter alone before the colon is a drive of another system.
+constexpr std::size_t leastSchemeLength = 2;
 
-bool statOf(LightweightString<wchar_t> const& path, struct stat& info) {
-    return stat(toUTF8(path).c_str(), &info) == 0;
+std::string systemPath(LightweightString<wchar_t> const& path) {
+    return toUTF8(path).str();
 }
 
-int openFlags(std::uint32_t access, std::uint32_t behaviour) {
-    bool const isWriting = (access & iFile::writeAccess) != 0;
-    bool const isReading = (access & iFile::readAccess) != 0;
-    int flags = O_CLOEXEC | (isWriting ? (isReading ? O_RDWR : O_WRONLY) : O_RDONLY);
-    if (behaviour == iFile::createAlways) {
-        flags |= O_CREAT | O_TRUNC;
-    } else if (behaviour == iFile::openOrCreate) {
-        flags |= O_CREAT;
+/// Answers `isDone` and, if it is false, keeps the reason.
+bool keepingError(bool isDone) {
+    if (!isDone) {
+        keepSystemError();
     }
-    return flags;
+    return isDone;
 }
 
-bool isFolder(LightweightString<char> const& path) {
-    struct stat info {};
-    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+std::uint64_t nanoseconds(statx_timestamp const& time) {
+    return static_cast<std::uint64_t>(time.tv_sec) * nanosecondsPerSecond + time.tv_nsec;
 }
 
-/// Renames without replacing; for file systems that can't do it at once, by a link and its removal.
-bool renameExclusively(char const* from, char const* to) {
-    if (syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) {
+bool isLetter(wchar_t c) {
+    return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z');
+}
+
+bool isSchemeCharacter(wchar_t c) {
+    return isLetter(c) || (c >= L'0' && c <= L'9') || c == L'+' || c == L'-' || c == L'.';
+}
+
+/// True for the control characters and for values that aren't characters.
+bool isUnfitForDisplay(wchar_t character) {
+    auto const code = static_cast<std::uint32_t>(character);
+    bool const isControl = code < 0x20 || (code >= 0x7F && code < 0xA0);
+    return isControl || (code >= 0xD800 && code <= 0xDFFF) || code > 0x10FFFF;
+}
+
+bool isFolder(std::string const& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+/// Makes one folder; true if it is there afterwards.
+bool makeFolder(std::string const& path) {
+    if (mkdir(path.c_str(), newFolderMode) == 0) {
         return true;
     }
-    if (errno != EINVAL && errno != ENOSYS) {
-        return false;
+    int const error = errno;
+    if (isFolder(path)) {
+        return true;
     }
-    return link(from, to) == 0 && unlink(from) == 0;
+    keepSystemError(error);
+    return false;
 }
 
 }  // namespace
 
-bool PosixFileManager::renameFile(LightweightString<wchar_t> const& from,
-                                  LightweightString<wchar_t> const& to, bool replaceExisting) {
-    LightweightString<char> const fromPath = toUTF8(from);
-    LightweightString<char> const toPath = toUTF8(to);
-    return replaceExisting ? rename(fromPath.c_str(), toPath.c_str()) == 0
-                           : renameExclusively(fromPath.c_str(), toPath.c_str());
+iFileManager::eCopyRC PosixFileManager::copyFile(Name const& source, Name const& destination,
+                                                 bool replaceExisting, CopyProgress progress, void* context) {
+    return FileCopy(systemPath(source), systemPath(destination), progress, context).run(replaceExisting);
 }
 
-bool PosixFileManager::deleteFile(LightweightString<wchar_t> const& path) {
-    return unlink(toUTF8(path).c_str()) == 0;
+bool PosixFileManager::renameFile(Name const& from, Name const& to, bool replaceExisting) {
+    std::string const oldPath = systemPath(from);
+    std::string const newPath = systemPath(to);
+    return keepingError(replaceExisting ? std::rename(oldPath.c_str(), newPath.c_str()) == 0
+                                        : renameWithoutReplacing(oldPath, newPath));
 }
 
-bool PosixFileManager::fileExists(LightweightString<wchar_t> const& path) {
-    struct stat info {};
-    return statOf(path, info);
+bool PosixFileManager::deleteFile(Name const& path) {
+    return keepingError(unlink(systemPath(path).c_str()) == 0);
 }
 
-bool PosixFileManager::isRemote(LightweightString<wchar_t> const& path) {
-    auto const text = path.view();
-    std::size_t const colon = text.find(L"://");
-    if (colon == std::wstring_view::npos || colon == 0 || !std::iswalpha(static_cast<wint_t>(text[0]))) {
+bool PosixFileManager::fileExists(Name const& path) {
+    struct stat status {};
+    return keepingError(stat(systemPath(path).c_str(), &status) == 0);
+}
+
+bool PosixFileManager::isRemote(Name const& path) {
+    std::wstring_view const text = path.view();
+    std::size_t const schemeLength = text.find(L"://");
+    if (schemeLength == std::wstring_view::npos || schemeLength < leastSchemeLength || !isLetter(text[0])) {
         return false;
     }
-    for (wchar_t const c : text.substr(0, colon)) {
-        if (!std::iswalnum(static_cast<wint_t>(c)) && c != L'+' && c != L'-' && c != L'.') {
+    for (wchar_t const character : text.substr(0, schemeLength)) {
+        if (!isSchemeCharacter(character)) {
             return false;
         }
     }
     return true;
 }
 
-iFileManager::DirectoryItem PosixFileManager::getFileInfo(LightweightString<wchar_t> const& path) {
+iFileManager::DirectoryItem PosixFileManager::getFileInfo(Name const& path) {
     DirectoryItem item;
     item.name = path;
-    struct stat info {};
-    if (statOf(path, info)) {
-        item.attributes = info.st_mode;
-        item.size = static_cast<std::uint64_t>(info.st_size);
-        item.created = static_cast<std::uint64_t>(info.st_ctim.tv_sec);
-        item.modified = static_cast<std::uint64_t>(info.st_mtim.tv_sec);
+    struct statx status {};
+    if (!keepingError(
+            statx(AT_FDCWD, systemPath(path).c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &status) == 0)) {
+        return item;
     }
+    item.attributes = status.stx_mode;
+    item.size = S_ISDIR(status.stx_mode) ? 0 : status.stx_size;
+    item.created = (status.stx_mask & STATX_BTIME) != 0 ? nanoseconds(status.stx_btime) : 0;
+    item.modified = nanoseconds(status.stx_mtime);
     return item;
 }
 
-bool PosixFileManager::createDirectory(LightweightString<wchar_t> const& path) {
-    LightweightString<char> const whole = toUTF8(path);
-    std::string_view const text = whole.view();
-    for (std::size_t end = text.find('/', 1); end != std::string_view::npos; end = text.find('/', end + 1)) {
-        mkdir(LightweightString<char>(text.substr(0, end)).c_str(), newFolderMode);
+bool PosixFileManager::createDirectory(Name const& path) {
+    std::string const folder = systemPath(path);
+    if (folder.empty()) {
+        keepSystemError(ENOENT);
+        return false;
     }
-    return mkdir(whole.c_str(), newFolderMode) == 0 || isFolder(whole);
-}
-
-Ox::Ptr<iFile> PosixFileManager::openFile(LightweightString<wchar_t> const& name, std::uint32_t access,
-                                          std::uint32_t behaviour, std::uint32_t, std::uint32_t) {
-    int const descriptor = open(toUTF8(name).c_str(), openFlags(access, behaviour), newFileMode);
-    return descriptor == -1 ? Ox::Ptr<iFile>() : Ox::makePtr<PosixFile>(descriptor);
-}
-
-std::uint64_t PosixFileManager::getFileSize(LightweightString<wchar_t> const& path) {
-    struct stat info {};
-    return statOf(path, info) ? static_cast<std::uint64_t>(info.st_size) : 0;
-}
-
-LightweightString<wchar_t> PosixFileManager::getMountedFilename(LightweightString<wchar_t> const& name) {
-    return name;
-}
-
-LightweightString<wchar_t> PosixFileManager::getDisplayFilename(LightweightString<wchar_t> const& name) {
-    LightweightString<wchar_t> shown(name.view());
-    for (std::uint32_t i = 0; i < shown.length(); ++i) {
-        wchar_t& c = shown.data()[i];
-        bool const isControl = c < 0x20 || (c >= 0x7F && c < 0xA0);
-        c = isControl ? replacementCharacter : c;
+    for (std::size_t end = folder.find('/', 1); end != std::string::npos; end = folder.find('/', end + 1)) {
+        if (!makeFolder(folder.substr(0, end))) {
+            return false;
+        }
     }
-    return shown;
+    return makeFolder(folder);
+}
+
+Ox::Ptr<iFile> PosixFileManager::openFile(Name const& name, std::uint32_t access, std::uint32_t behaviour,
+                                          std::uint32_t share, std::uint32_t) {
+    return PosixFile::open(systemPath(name).c_str(), access, behaviour, share);
+}
+
+std::uint64_t PosixFileManager::getFileSize(Name const& path) {
+    return getFileInfo(path).size;
+}
+
+PosixFileManager::Name PosixFileManager::getDisplayFilename(Name const& name) {
+    std::wstring text = name.str();
+    for (wchar_t& character : text) {
+        if (isUnfitForDisplay(character)) {
+            character = replacement;
+        }
+    }
+    return Name(text);
 }

@@ -2,33 +2,27 @@
 
 #include "ole/os/FileManager.h"
 
-/// The files of a POSIX system. Names go to the system as UTF-8.
-///
-/// Threads  Any; it has no state.
+/// The file systems of this machine. It has no state.
 class PosixFileManager final : public iFileManager {
 public:
-    /// Answers `copyCannotAccess` if the source can't be read or the destination not be made, and
-    /// `copyFailed` for no space and every other error on the way. A destination that was begun is
-    /// deleted unless the copy is whole. A link that lies at the destination is never followed. The
-    /// file is flushed to its medium before the answer.
-    [[nodiscard]] eCopyRC copyFile(LightweightString<wchar_t> const& source,
-                                   LightweightString<wchar_t> const& destination, bool replaceExisting,
+    using Name = LightweightString<wchar_t>;
+
+    [[nodiscard]] eCopyRC copyFile(Name const& source, Name const& destination, bool replaceExisting,
                                    CopyProgress progress, void* context) override;
-    [[nodiscard]] bool renameFile(LightweightString<wchar_t> const& from,
-                                  LightweightString<wchar_t> const& to, bool replaceExisting) override;
-    bool deleteFile(LightweightString<wchar_t> const& path) override;
-    [[nodiscard]] bool fileExists(LightweightString<wchar_t> const& path) override;
-    /// True for a name that begins with a URL scheme ("https://").
-    [[nodiscard]] bool isRemote(LightweightString<wchar_t> const& path) override;
-    [[nodiscard]] DirectoryItem getFileInfo(LightweightString<wchar_t> const& path) override;
-    [[nodiscard]] bool createDirectory(LightweightString<wchar_t> const& path) override;
+    [[nodiscard]] bool renameFile(Name const& from, Name const& to, bool replaceExisting) override;
+    bool deleteFile(Name const& path) override;
+    /// True for whatever exists, folders included.
+    [[nodiscard]] bool fileExists(Name const& path) override;
+    /// True for names of the form "scheme://...".
+    [[nodiscard]] bool isRemote(Name const& path) override;
+    [[nodiscard]] DirectoryItem getFileInfo(Name const& path) override;
+    [[nodiscard]] bool createDirectory(Name const& path) override;
     [[nodiscard]] wchar_t getPathSeparator() const override { return L'/'; }
-    [[nodiscard]] Ox::Ptr<iFile> openFile(LightweightString<wchar_t> const& name, std::uint32_t access,
-                                          std::uint32_t behaviour, std::uint32_t share,
-                                          std::uint32_t option) override;
-    [[nodiscard]] std::uint64_t getFileSize(LightweightString<wchar_t> const& path) override;
-    [[nodiscard]] LightweightString<wchar_t> getMountedFilename(
-        LightweightString<wchar_t> const& name) override;
-    [[nodiscard]] LightweightString<wchar_t> getDisplayFilename(
-        LightweightString<wchar_t> const& name) override;
+    [[nodiscard]] Ox::Ptr<iFile> openFile(Name const& name, std::uint32_t access, std::uint32_t behaviour,
+                                          std::uint32_t share, std::uint32_t option) override;
+    [[nodiscard]] std::uint64_t getFileSize(Name const& path) override;
+    /// The name itself: what isn't mounted isn't known here.
+    [[nodiscard]] Name getMountedFilename(Name const& name) override { return name; }
+    /// Control characters, and what no text may hold, become U+FFFD.
+    [[nodiscard]] Name getDisplayFilename(Name const& name) override;
 };

@@ -1,16 +1,11 @@
 #include "host/posix/PosixOS.h"
 
-#include <execinfo.h>
 #include <sched.h>
 
-#include <array>
 #include <atomic>
-#include <cerrno>
-#include <cstdlib>
 #include <memory>
-#include <string>
-#include <system_error>
 
+#include "host/posix/PosixErrors.h"
 #include "host/posix/PosixFileManager.h"
 #include "host/posix/PosixThreadService.h"
 #include "ole/os/Immortal.h"
@@ -19,33 +14,24 @@ namespace {
 
 constinit std::atomic<iFileManager*> installedFileManager{nullptr};
 
-class PosixErrors final : public iErrorService {
-public:
-    [[nodiscard]] OxResult getLastError() const override {
-        return systemErrorBase + static_cast<OxResult>(errno);
-    }
-    [[nodiscard]] LightweightString<wchar_t> getLastErrorText() const override {
-        return fromUTF8(std::generic_category().message(errno).c_str());
-    }
+struct FreeCpuSet {
+    void operator()(cpu_set_t* set) const { CPU_FREE(set); }
 };
 
-class PosixDebug final : public iDebugService {
-public:
-    [[nodiscard]] LightweightString<char> takeStackTrace() const override {
-        std::array<void*, mostFrames> frames{};
-        int const count = backtrace(frames.data(), mostFrames);
-        std::unique_ptr<char*, decltype(&std::free)> const lines(backtrace_symbols(frames.data(), count),
-                                                                 &std::free);
-        std::string text;
-        for (int i = 0; lines && i < count; ++i) {
-            text.append(lines.get()[i]).append("\n");
+constexpr int firstCpuSetSize = 1024;
+constexpr int largestCpuSetSize = 1024 * 1024;
+
+/// The processors of the affinity mask; 0 if the system doesn't tell. Its size is found by trying.
+unsigned allowedProcessors() {
+    for (int size = firstCpuSetSize; size <= largestCpuSetSize; size *= 2) {
+        std::unique_ptr<cpu_set_t, FreeCpuSet> const set(CPU_ALLOC(static_cast<std::size_t>(size)));
+        std::size_t const byteCount = CPU_ALLOC_SIZE(size);
+        if (set && sched_getaffinity(0, byteCount, set.get()) == 0) {
+            return static_cast<unsigned>(CPU_COUNT_S(byteCount, set.get()));
         }
-        return LightweightString<char>(text);
     }
-
-private:
-    static constexpr int mostFrames = 64;
-};
+    return 0;
+}
 
 class PosixOS final : public iOS {
 public:
@@ -58,18 +44,15 @@ public:
     [[nodiscard]] iErrorService& getErrors() override { return errors_; }
     [[nodiscard]] iDebugService& getDebug() override { return debug_; }
     [[nodiscard]] unsigned getProcessorCount() override {
-        cpu_set_t processors;
-        if (sched_getaffinity(0, sizeof(processors), &processors) != 0) {
-            return 1;
-        }
-        return static_cast<unsigned>(CPU_COUNT(&processors));
+        unsigned const allowed = allowedProcessors();
+        return allowed != 0 ? allowed : 1;
     }
 
 private:
     PosixThreadService threads_;
     PosixFileManager files_;
-    PosixErrors errors_;
-    PosixDebug debug_;
+    PosixErrorService errors_;
+    PosixDebugService debug_;
 };
 
 }  // namespace

@@ -52,15 +52,20 @@ public:
     struct DirectoryItem {
         /// The full path from `getFileInfo`, the bare name from `findFiles`.
         LightweightString<wchar_t> name;
+        /// The host's own word; of the POSIX host the file's type and mode.
         std::uint32_t attributes = 0;
         std::uint64_t size = 0;
+        /// Nanoseconds since 1970; 0 if not known.
         std::uint64_t created = 0;
         std::uint64_t modified = 0;
     };
 
     virtual ~iFileManager() = default;
 
-    /// Copies a file; `replaceExisting` false makes an existing destination a failure (2).
+    /// Copies a file; `replaceExisting` false makes an existing destination a failure (2). The
+    /// destination is flushed to its device before the answer `copied`. A copy that fails or is stopped
+    /// leaves no half destination behind. A link at the destination isn't followed: it makes the copy
+    /// fail (2).
     [[nodiscard]] virtual eCopyRC copyFile(LightweightString<wchar_t> const& source,
                                            LightweightString<wchar_t> const& destination,
                                            bool replaceExisting, CopyProgress progress, void* context) = 0;
@@ -71,7 +76,7 @@ public:
     [[nodiscard]] virtual bool fileExists(LightweightString<wchar_t> const& path) = 0;
     /// True if the path names a place in a remote store and not in a file system of this machine.
     [[nodiscard]] virtual bool isRemote(LightweightString<wchar_t> const& path) = 0;
-    /// What is there; `size` is 0 for a missing file.
+    /// What is there; `size` is 0 for a missing file and for a folder.
     [[nodiscard]] virtual DirectoryItem getFileInfo(LightweightString<wchar_t> const& path) = 0;
     /// Makes a folder and those above it; true also if it exists already.
     [[nodiscard]] virtual bool createDirectory(LightweightString<wchar_t> const& path) = 0;
@@ -81,7 +86,7 @@ public:
     ///
     /// @param access     mask of `iFile::readAccess` and `iFile::writeAccess`
     /// @param behaviour  an `iFile::eOpenBehaviour`
-    /// @param share      an `iFile::eShareMode`
+    /// @param share      an `iFile::eShareMode`; it binds those who open files through this system
     /// @param option     always 0
     [[nodiscard]] virtual Ox::Ptr<iFile> openFile(LightweightString<wchar_t> const& name,
                                                   std::uint32_t access, std::uint32_t behaviour,
