@@ -57,6 +57,22 @@ TEST(Picture, TakesAnUnknownOrientationAsUpright) {
     EXPECT_THAT(reds(numbered(3, 1).upright(200)), ElementsAre(1, 2, 3));
 }
 
+TEST(Picture, IsMadeSmallerByMeans) {
+    EXPECT_THAT(reds(numbered(4, 2).scaled(2, 1)), ElementsAre(4, 6));
+    EXPECT_THAT(reds(numbered(4, 2).scaled(4, 2)), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8));
+}
+
+TEST(Picture, IsMadeLargerByRepetition) {
+    EXPECT_THAT(reds(numbered(2, 1).scaled(4, 2)), ElementsAre(1, 1, 2, 2, 1, 1, 2, 2));
+}
+
+TEST(Picture, IsScaledToUnevenSizes) {
+    Picture const picture = numbered(5, 3).scaled(3, 2);
+    EXPECT_EQ(picture.width(), 3U);
+    EXPECT_EQ(picture.height(), 2U);
+    EXPECT_THAT(reds(numbered(5, 1).scaled(3, 1)), ElementsAre(1, 3, 5));
+}
+
 TEST(Picture, PastesAndCutsOffWhatLiesOutside) {
     Picture picture(3, 2);
     picture.paste(numbered(2, 2), 2, 1);

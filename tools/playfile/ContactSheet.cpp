@@ -75,7 +75,8 @@ ContactSheet makeContactSheet(Clip const& clip, FileReadInstance const& file) {
     auto const paste = [&](std::uint32_t frame, Ox::Image::Surface const& surface) {
         auto const place = std::find(sheet.frames.begin(), sheet.frames.end(), frame);
         auto const index = static_cast<std::size_t>(place - sheet.frames.begin());
-        Picture const picture = Picture::of(surface).upright(metadata.orientation);
+        Picture const picture =
+            Picture::of(surface).upright(metadata.orientation).scaled(cell.width, cell.height);
         std::lock_guard const scope(pasting);
         sheet.picture.paste(picture, grid.left(index), grid.top(index));
         paintNumber(sheet.picture, frame, grid.left(index), grid.numberTop(index));

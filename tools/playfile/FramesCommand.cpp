@@ -46,9 +46,14 @@ FrameFetcher::Work sumWork(PlayFileMetadataRep const& metadata) {
     };
 }
 
-FrameFetcher::Work pictureWork(OutputFolder const& folder, Ox::Image::Orientation orientation) {
-    return [&folder, orientation](std::uint32_t frame, Ox::Image::Surface const& surface) {
-        Picture const picture = Picture::of(surface).upright(orientation);
+/// @param size  as it is looked at
+FrameFetcher::Work pictureWork(OutputFolder const& folder, PictureSize size,
+                               Ox::Image::Orientation orientation) {
+    return [&folder, size, orientation](std::uint32_t frame, Ox::Image::Surface const& surface) {
+        Picture picture = Picture::of(surface).upright(orientation);
+        if (size.width != 0) {
+            picture = picture.scaled(size.width, size.height);
+        }
         return folder.write(pictureName(frame), [&picture](std::FILE* stream, std::string& error) {
             return writePng(picture, stream, error);
         });
@@ -121,7 +126,8 @@ int FramesCommand::fetch(Clip const& clip, Plan const& plan, FileReadInstance co
                          threads_);
     Progress progress("frames", frames.size(), true);
     int exitCode = exitSuccess;
-    fetcher.run(frames, isMd5_ ? sumWork(metadata) : pictureWork(*plan.folder, metadata.orientation),
+    fetcher.run(frames,
+                isMd5_ ? sumWork(metadata) : pictureWork(*plan.folder, plan.size, metadata.orientation),
                 [&](FrameOutcome const& outcome) {
                     if (outcome.isGood) {
                         writeLine(outcome.text);

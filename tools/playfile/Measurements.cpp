@@ -53,7 +53,7 @@ void readOne(ReadSeries& series, Target const& target, std::uint32_t frame, Mill
     Ox::Image::Surface surface;
     FrameRequest request(target.cookie, frame, target.format);
     bool const isGood = request.wait(surface);
-    series.latencies.add((before + Clock::now() - start).count());
+    series.latencies.add(Milliseconds(before + (Clock::now() - start)).count());
     series.failed += isGood ? 0 : 1;
 }
 

@@ -66,6 +66,34 @@ Turn turnOf(Ox::Image::Orientation orientation) {
     return turns[orientation < turns.size() ? orientation : Ox::Image::orientationUpright];
 }
 
+/// The stored pixels, along one side, that a pixel of the scaled picture covers: at least one.
+struct Span {
+    std::uint32_t begin;
+    std::uint32_t end;
+};
+
+Span spanOf(std::uint32_t index, std::uint32_t stored, std::uint32_t scaled) {
+    auto const begin = static_cast<std::uint32_t>(std::uint64_t(index) * stored / scaled);
+    auto const end = static_cast<std::uint32_t>(std::uint64_t(index + 1) * stored / scaled);
+    return {begin, std::max(end, begin + 1)};
+}
+
+void writeMean(std::uint8_t* to, Picture const& from, Span columns, Span rows) {
+    std::array<std::uint64_t, Picture::channels> sums{};
+    for (std::uint32_t y = rows.begin; y < rows.end; ++y) {
+        std::uint8_t const* pixel = from.at(columns.begin, y);
+        for (std::uint32_t x = columns.begin; x < columns.end; ++x, pixel += Picture::channels) {
+            for (unsigned channel = 0; channel < Picture::channels; ++channel) {
+                sums[channel] += pixel[channel];
+            }
+        }
+    }
+    std::uint64_t const count = std::uint64_t(columns.end - columns.begin) * (rows.end - rows.begin);
+    for (unsigned channel = 0; channel < Picture::channels; ++channel) {
+        to[channel] = static_cast<std::uint8_t>((sums[channel] + count / 2) / count);
+    }
+}
+
 }  // namespace
 
 Picture::Picture(std::uint32_t width, std::uint32_t height)
@@ -104,6 +132,20 @@ Picture Picture::upright(Ox::Image::Orientation orientation) const {
         }
     }
     return turned;
+}
+
+Picture Picture::scaled(std::uint32_t width, std::uint32_t height) const {
+    if (empty() || (width == width_ && height == height_)) {
+        return *this;
+    }
+    Picture result(width, height);
+    for (std::uint32_t y = 0; y < height; ++y) {
+        Span const rows = spanOf(y, height_, height);
+        for (std::uint32_t x = 0; x < width; ++x) {
+            writeMean(result.at(x, y), *this, spanOf(x, width_, width), rows);
+        }
+    }
+    return result;
 }
 
 void Picture::paste(Picture const& other, std::uint32_t left, std::uint32_t top) {

@@ -26,6 +26,10 @@ public:
     /// The picture turned so that it is seen as it was shot.
     [[nodiscard]] Picture upright(Ox::Image::Orientation orientation) const;
 
+    /// The picture in another size, each pixel the mean of those it covers. For readers that deliver
+    /// another size than was asked for.
+    [[nodiscard]] Picture scaled(std::uint32_t width, std::uint32_t height) const;
+
     /// Copies another picture onto this one; what would lie outside is left away.
     void paste(Picture const& other, std::uint32_t left, std::uint32_t top);
 
