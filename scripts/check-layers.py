@@ -98,7 +98,8 @@ def main():
             match = INCLUDE.match(line)
             if not match:
                 continue
-            fault = (fault_of_own if match[1] == '"' else fault_of_foreign)(path, match[2])
+            is_own = match[1] == '"' and not any(re.match(pattern, match[2]) for pattern, _ in FOREIGN)
+            fault = (fault_of_own if is_own else fault_of_foreign)(path, match[2])
             if fault:
                 findings.append(f"{path}:{number}: {match[2]} {fault}")
     return sources.report("check-layers", findings)

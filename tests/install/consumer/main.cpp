@@ -18,7 +18,7 @@ int main(int argc, char** argv) {
     }
     playfile_init();
     int loaded = 0;
-    for (PluginOutcome const& outcome : loadPlugins(LightweightString<wchar_t>(argv[2]))) {
+    for (PluginOutcome const& outcome : loadPlugins(fromUTF8(argv[2]))) {
         std::printf("%s\n", outcome.isLoaded ? "plug-in loaded" : outcome.message.c_str());
         loaded += outcome.isLoaded;
     }
