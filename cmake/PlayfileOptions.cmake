@@ -1,7 +1,8 @@
 # Language, warnings, sanitizers, and the shape of the build tree.
 
 option(PLAYFILE_BUILD_TESTS "Build the tests" ON)
-option(PLAYFILE_BUILD_PROGRAMS "Build the command, the examples and the benches" ON)
+option(PLAYFILE_BUILD_PROGRAMS "Build the command and the examples" ON)
+option(PLAYFILE_BUILD_BENCHES "Build the benches, with the other programs" ON)
 option(PLAYFILE_DEBUG_LOCKS "Give every lock a rank and assert the order" OFF)
 option(PLAYFILE_THREAD_SAFETY "Clang's thread-safety analysis, findings are errors" OFF)
 set(PLAYFILE_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")

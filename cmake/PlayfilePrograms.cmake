@@ -1,4 +1,4 @@
-# The command, the examples and the benches: all in bin/, next to the libraries they find.
+# The command and the examples: all in bin/, next to the libraries they find.
 
 # playfile_add_program(TARGET FILE_NAME SOURCE...): a program, if there is a source.
 function(playfile_add_program target file_name)
@@ -40,23 +40,3 @@ foreach(source IN LISTS sources)
     endif()
     list(APPEND playfile_examples example_${name})
 endforeach()
-
-playfile_glob(sources bench/micro/*.cpp)
-playfile_glob(support bench/support/Null*.cpp)
-playfile_add_program(playfile_micro playfile_micro ${sources} ${support})
-if(TARGET playfile_micro)
-    find_package(benchmark REQUIRED)
-    target_link_libraries(playfile_micro PRIVATE benchmark::benchmark)
-endif()
-
-playfile_glob(sources bench/workload/*.cpp)
-playfile_glob(support bench/support/*.cpp)
-playfile_add_program(playfile_workload playfile_workload ${sources} ${support})
-if(TARGET playfile_workload)
-    find_package(CLI11 REQUIRED)
-    find_package(nlohmann_json REQUIRED)
-    pkg_check_modules(PLAYFILE_WORKLOAD_FFMPEG REQUIRED IMPORTED_TARGET
-        libavformat libavcodec libavutil libswscale)
-    target_link_libraries(playfile_workload PRIVATE
-        CLI11::CLI11 nlohmann_json::nlohmann_json PkgConfig::PLAYFILE_WORKLOAD_FFMPEG)
-endif()
