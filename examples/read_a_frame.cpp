@@ -4,6 +4,7 @@
 
 #include "files/PlayFileCache.h"
 #include "host/memory/MemoryCatalogue.h"
+#include "playfile/playfile.h"
 #include "toolkit/plugins/Plugin.h"
 #include "video/VideoReadRequest.h"
 
@@ -22,11 +23,12 @@ int main(int argc, char** argv) {
     Ox::Ptr<VideoReadRequest> request;
     OxResult const result = PlayFileCache::Shared()->videoReadRequest(
         request, clip, 0, false, resultDecompressed, DecodeFormat::getDefault(), waiter.getProxy());
-    if (result != oxSuccess || waiter.end.get_future().get() != requestComplete) {
-        return 1;
+    bool const isRead = result == oxSuccess && waiter.end.get_future().get() == requestComplete;
+    if (isRead) {
+        Ox::Image::Surface picture;
+        request->getResultBuffer()->getSurface(0, picture);
+        std::printf("frame 0 is %u x %u\n", picture.getWidth(), picture.getHeight());
     }
-    Ox::Image::Surface picture;
-    request->getResultBuffer()->getSurface(0, picture);
-    std::printf("frame 0 is %u x %u\n", picture.getWidth(), picture.getHeight());
-    return 0;
+    playfile_exit();
+    return isRead ? 0 : 1;
 }

@@ -5,6 +5,7 @@
 
 #include "files/PlayFileCache.h"
 #include "host/memory/MemoryCatalogue.h"
+#include "playfile/playfile.h"
 #include "tests/examples/Ppm.h"
 #include "toolkit/plugins/Plugin.h"
 #include "video/VideoReadRequest.h"
@@ -24,6 +25,7 @@ private:
 class ReaderPlugin : public ::testing::Test {
 protected:
     ReaderPlugin() { loadPlugins(fromUTF8(PLAYFILE_EXAMPLE_PLUGIN_DIR)); }
+    ~ReaderPlugin() override { playfile_exit(); }
 
     void openFile(std::string const& content, std::string const& name = "clip.ppm") {
         MemoryCatalogue::instance().add(clip_, fromUTF8(folder_.write(name, content).c_str()));
