@@ -53,6 +53,7 @@ protected:
 
     FileScriptPtr const script = std::make_shared<FileScript>();
     RecordingIssuer issuer;
+    bool const isQuiet = threads.waitUntilAllIdle();
     std::uint64_t const createdBefore = created();
     std::size_t const freeBefore = videoQueuePool().getFreeCount();
 };
@@ -77,6 +78,10 @@ TEST_F(FileReadInstanceVideoTest, TakesOneQueueForAllItsRequests) {
 }
 
 TEST_F(FileReadInstanceVideoTest, GivesItsQueueToTheFileThatComesNext) {
+    std::vector<Ox::ExternalPtr<Ox::VideoReadQueue>> taken;
+    while (videoQueuePool().getFreeCount() > 0) {
+        taken.push_back(videoQueuePool().getItem());
+    }
     readOnce(1);
     std::thread::id const worker = script->readBy;
     std::uint64_t const afterFirst = created();

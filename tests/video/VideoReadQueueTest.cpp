@@ -274,12 +274,12 @@ protected:
 };
 
 TEST_F(VideoReadQueueDeathTest, StopsAmongTheCallbacksOfOrder401) {
-    note("402", 402);
-    note("400", 400);
-    note("401 later", 401);
     CallLog::Lines const expected{"400", "queue.shutdown", "401 later", "402"};
     EXPECT_EXIT(
         {
+            note("402", 402);
+            note("400", 400);
+            note("401 later", 401);
             Shutdown::run(Shutdown::normalExit);
             std::_Exit(calls->all() == expected ? 0 : 1);
         },
