@@ -23,8 +23,8 @@
 /// Ownership  It holds the open files and may forget one at any time; who holds one keeps it working.
 /// Threads    Any thread may call any operation. Readers open outside `cacheLock_`, one at a time for
 ///            one file name, in parallel for different ones.
-/// Lock order `cacheLock_`, then a queue's or pool's lock, then the guard of the access queue.
-///            `cacheLock_` is never held while a file is waited for.
+/// Lock order `cacheLock_`, then that of the shared cache, then a queue's or pool's lock, then the guard
+///            of the access queue. `cacheLock_` is never held while a file is waited for.
 /// Errors     Empty pointers and log lines. An exception that leaves a reader where it must not throw
 ///            passes through `open`.
 /// Deliberate After such an exception the file's name stays held and its quarantine mark set.
@@ -36,7 +36,7 @@ public:
     /// @param sizeMin  files that stay open when memory is wanted
     /// @param sizeMax  files that may be open before another is opened; as an unsigned number, so that
     ///                 a negative one never closes anything
-    PlayFileCache(int sizeMin, int sizeMax);
+    PlayFileCache(int sizeMin, int sizeMax) : PlayFileCache(sizeMin, sizeMax, eLockRank::fileCache) {}
     ~PlayFileCache() override;
     PlayFileCache(PlayFileCache const&) = delete;
     PlayFileCache& operator=(PlayFileCache const&) = delete;
@@ -113,6 +113,8 @@ private:
     };
     using FileMap = std::map<CacheEntry, Ox::Ptr<FileReadInstance>>;
 
+    PlayFileCache(int sizeMin, int sizeMax, eLockRank rank);
+
     /// True if the key is known, as open or as failed; `file` is then what it is known as.
     bool findKnown(CacheEntry const& key, Ox::Ptr<FileReadInstance>& file) PLAYFILE_REQUIRES(cacheLock_);
     [[nodiscard]] Ox::Ptr<FileReadInstance> openUnderAccess(CacheEntry const& key, Cookie const& cookie,
@@ -125,7 +127,7 @@ private:
     void noteOpenCount() PLAYFILE_REQUIRES(cacheLock_);
 
     Ox::MultipleAccessQueue<LightweightString<wchar_t>> accessQueue_;
-    CriticalSection cacheLock_{eLockRank::fileCache, "PlayFileCache"};
+    CriticalSection cacheLock_;
     FileMap openFiles_ PLAYFILE_GUARDED_BY(cacheLock_);
     /// Every value is empty. Looked up before the open files; not bounded.
     FileMap failedOpens_ PLAYFILE_GUARDED_BY(cacheLock_);

@@ -15,11 +15,12 @@
 #include "toolkit/services/Log.h"
 
 PlayFileCache* PlayFileCache::Shared() {
-    static PlayFileCache cache(readCacheSizeMin(), readCacheSizeMax());
+    static PlayFileCache cache(readCacheSizeMin(), readCacheSizeMax(), eLockRank::sharedCache);
     return &cache;
 }
 
-PlayFileCache::PlayFileCache(int sizeMin, int sizeMax) : sizeMin_(sizeMin), sizeMax_(sizeMax) {
+PlayFileCache::PlayFileCache(int sizeMin, int sizeMax, eLockRank rank)
+    : cacheLock_(rank, "PlayFileCache"), sizeMin_(sizeMin), sizeMax_(sizeMax) {
     using Listener = Ox::FunctionCallback<int, iAssetRepository::Event>;
     listeners_.push_back(AssetRepositoryManager::addListener(Ox::makePtr<Listener>(
         [this](iAssetRepository::Event const& event) { return handleRepositoryEvents(event); })));

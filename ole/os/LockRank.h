@@ -5,7 +5,8 @@
 /// The place of a lock in the one order in which locks may be taken: a thread that holds a lock takes
 /// only locks of a higher rank. Taking the same lock again is always allowed.
 enum class eLockRank : std::uint8_t {
-    fileCache = 10,    ///< `PlayFileCache::cacheLock`
+    fileCache = 10,    ///< the lock of a `PlayFileCache` of one's own
+    sharedCache = 15,  ///< that of `PlayFileCache::Shared()`, which every cache calls
     file = 20,         ///< `PlayFile::lock`
     pool = 30,         ///< `Ox::Pool`'s lock
     queue = 40,        ///< the lock of a read queue
