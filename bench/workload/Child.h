@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+namespace bench {
+
+/// What one measurement found.
+///
+/// Units  Seconds of the timed part; bytes of memory that was resident at most, over the whole process.
+struct Sample {
+    bool isGood = false;
+    double seconds = 0.0;
+    std::uint32_t reads = 0;
+    std::uint64_t peakBytes = 0;
+};
+
+/// What is known of a clip before it is measured.
+struct ClipFacts {
+    bool isGood = false;
+    std::uint32_t frameCount = 0;
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    bool isIntraOnly = false;
+    /// Names as libavformat and libavcodec have them, cut to fit.
+    char codec[32] = {};
+    char container[64] = {};
+};
+
+/// Runs `measure` in a child process and gives back what it answered; a default one if the child died.
+///
+/// Each measurement so begins with nothing opened, nothing cached and no memory taken, whichever side ran
+/// before it. Requires that this process has started no thread.
+[[nodiscard]] Sample runInChild(std::function<Sample()> const& measure);
+[[nodiscard]] ClipFacts runInChild(std::function<ClipFacts()> const& look);
+
+/// The most memory that was resident in this process until now, in bytes.
+[[nodiscard]] std::uint64_t peakResidentBytes();
+
+}  // namespace bench

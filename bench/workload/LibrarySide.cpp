@@ -1,0 +1,111 @@
+#include "bench/workload/LibrarySide.h"
+
+#include <chrono>
+
+#include "bench/support/CountingIssuer.h"
+#include "files/PlayFileCache.h"
+#include "host/memory/MemoryCatalogue.h"
+#include "ole/os/OS.h"
+#include "playfile/playfile.h"
+#include "toolkit/plugins/Plugin.h"
+#include "video/VideoReadRequest.h"
+
+namespace bench {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using RequestPtr = Ox::Ptr<VideoReadRequest>;
+
+/// Requests that a player has under way.
+constexpr std::uint32_t framesAhead = 8;
+
+/// A clip in the catalogue, and the reads of it.
+class Clip {
+public:
+    Clip(std::string const& path, std::string const& pluginFolder) : cookie_(Ox::UUID::generate(), 'V', 0) {
+        playfile_init();
+        loadPlugins(fromUTF8(pluginFolder.c_str()));
+        MemoryCatalogue::instance().add(cookie_, fromUTF8(path.c_str()));
+    }
+
+    [[nodiscard]] bool open() { return frameCount() != 0; }
+    [[nodiscard]] std::uint32_t frameCount() {
+        return static_cast<std::uint32_t>(PlayFileCache::getSampleCount(cookie_));
+    }
+
+    /// Empty if the frame was refused.
+    RequestPtr ask(std::uint32_t frame) {
+        RequestPtr request;
+        OxResult const result = PlayFileCache::Shared()->videoReadRequest(
+            request, cookie_, static_cast<int>(frame), false, resultDecompressed, DecodeFormat::getDefault(),
+            issuer_.getProxy());
+        isGood_ = isGood_ && result == oxSuccess;
+        asked_ += result == oxSuccess ? 1 : 0;
+        return request;
+    }
+
+    /// Waits until all but `count` of the reads that were asked for have ended.
+    void waitForAllBut(std::uint64_t count) { issuer_.waitFor(asked_ > count ? asked_ - count : 0); }
+
+    [[nodiscard]] bool isGood() const { return isGood_ && issuer_.failedCount() == 0; }
+
+private:
+    Cookie cookie_;
+    CountingIssuer issuer_;
+    std::uint64_t asked_ = 0;
+    bool isGood_ = true;
+};
+
+void readAhead(Clip& clip, std::vector<std::uint32_t> const& frames) {
+    std::vector<RequestPtr> underWay(framesAhead);
+    std::size_t next = 0;
+    for (std::uint32_t const frame : frames) {
+        clip.waitForAllBut(framesAhead - 1);
+        underWay[next++ % framesAhead] = clip.ask(frame);
+    }
+    clip.waitForAllBut(0);
+}
+
+void readOneByOne(Clip& clip, std::vector<std::uint32_t> const& frames) {
+    for (std::uint32_t const frame : frames) {
+        RequestPtr const request = clip.ask(frame);
+        clip.waitForAllBut(0);
+    }
+}
+
+}  // namespace
+
+Sample runLibrary(std::string const& path, std::string const& pluginFolder, eCase which,
+                  std::vector<std::uint32_t> const& frames) {
+    Sample sample;
+    Clip clip(path, pluginFolder);
+    if (which != eCase::openAndFirst && !clip.open()) {
+        return sample;
+    }
+    RequestPtr held;
+    if (which == eCase::heldAgain) {
+        held = clip.ask(frames.front());
+        clip.waitForAllBut(0);
+        // The status is stored after the issuers were told.
+        while (held && held->getRequestStatus() == requestTakenUp) {
+            OS()->getThreads().sleep(1);
+        }
+    }
+    auto const start = Clock::now();
+    if (which == eCase::inOrder) {
+        readAhead(clip, frames);
+    } else {
+        readOneByOne(clip, frames);
+    }
+    sample.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    sample.isGood = clip.isGood();
+    sample.reads = static_cast<std::uint32_t>(frames.size());
+    sample.peakBytes = peakResidentBytes();
+    return sample;
+}
+
+std::uint32_t countFrames(std::string const& path, std::string const& pluginFolder) {
+    return Clip(path, pluginFolder).frameCount();
+}
+
+}  // namespace bench

@@ -1,0 +1,115 @@
+#include "bench/workload/Report.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+namespace bench {
+namespace {
+
+constexpr double bytesPerMiB = 1024.0 * 1024.0;
+
+double median(std::vector<double> values) {
+    if (values.empty()) {
+        return 0.0;
+    }
+    std::sort(values.begin(), values.end());
+    std::size_t const half = values.size() / 2;
+    return values.size() % 2 == 1 ? values[half] : (values[half - 1] + values[half]) / 2;
+}
+
+double secondsPerRead(Sample const& sample) {
+    return sample.reads == 0 ? 0.0 : sample.seconds / sample.reads;
+}
+
+double medianSecondsPerRead(std::vector<Sample> const& samples) {
+    std::vector<double> values;
+    std::transform(samples.begin(), samples.end(), std::back_inserter(values), secondsPerRead);
+    return median(values);
+}
+
+bool areGood(std::vector<Sample> const& samples) {
+    return std::all_of(samples.begin(), samples.end(), [](Sample const& sample) { return sample.isGood; });
+}
+
+std::string nameOfFile(std::string const& path) {
+    return std::filesystem::path(path).filename();
+}
+
+}  // namespace
+
+bool CaseResult::isGood() const {
+    return areGood(library) && areGood(plain);
+}
+
+double CaseResult::librarySecondsPerRead() const {
+    return medianSecondsPerRead(library);
+}
+
+double CaseResult::plainSecondsPerRead() const {
+    return medianSecondsPerRead(plain);
+}
+
+double CaseResult::ratio() const {
+    std::vector<double> ratios;
+    for (std::size_t i = 0; i < std::min(library.size(), plain.size()); ++i) {
+        if (secondsPerRead(library[i]) > 0.0) {
+            ratios.push_back(secondsPerRead(plain[i]) / secondsPerRead(library[i]));
+        }
+    }
+    return median(ratios);
+}
+
+double CaseResult::extraBytes() const {
+    std::vector<double> differences;
+    for (std::size_t i = 0; i < std::min(library.size(), plain.size()); ++i) {
+        differences.push_back(static_cast<double>(library[i].peakBytes) -
+                              static_cast<double>(plain[i].peakBytes));
+    }
+    return median(differences);
+}
+
+void printTable(std::FILE* out, std::vector<ClipResult> const& clips) {
+    for (ClipResult const& clip : clips) {
+        std::fprintf(out, "%s: %s in %s, %u x %u, %u frames\n", nameOfFile(clip.path).c_str(),
+                     clip.facts.codec, clip.facts.container, clip.facts.width, clip.facts.height,
+                     clip.facts.frameCount);
+        std::fprintf(out, "  %-14s %8s %14s %14s %8s %12s\n", "case", "reads", "playfile ms", "plain loop ms",
+                     "ratio", "memory MiB");
+        for (CaseResult const& result : clip.cases) {
+            std::fprintf(out, "  %-14s %8u %14.4f %14.4f %8.2f %+12.1f%s\n", nameOf(result.which),
+                         result.library.front().reads, result.librarySecondsPerRead() * 1000,
+                         result.plainSecondsPerRead() * 1000, result.ratio(),
+                         result.extraBytes() / bytesPerMiB, result.isGood() ? "" : "  (reads failed)");
+        }
+    }
+    std::fprintf(out,
+                 "ms: one read. ratio: how many times as fast as the plain loop. memory: the most that was\n"
+                 "resident in playfile's process, less that of the plain loop's.\n");
+}
+
+void printJson(std::FILE* out, std::vector<ClipResult> const& clips) {
+    nlohmann::json all = nlohmann::json::array();
+    for (ClipResult const& clip : clips) {
+        nlohmann::json cases = nlohmann::json::array();
+        for (CaseResult const& result : clip.cases) {
+            cases.push_back({{"case", nameOf(result.which)},
+                             {"good", result.isGood()},
+                             {"reads", result.library.front().reads},
+                             {"playfileMsPerRead", result.librarySecondsPerRead() * 1000},
+                             {"plainMsPerRead", result.plainSecondsPerRead() * 1000},
+                             {"ratio", result.ratio()},
+                             {"extraBytes", result.extraBytes()}});
+        }
+        all.push_back({{"file", clip.path},
+                       {"codec", clip.facts.codec},
+                       {"container", clip.facts.container},
+                       {"width", clip.facts.width},
+                       {"height", clip.facts.height},
+                       {"frames", clip.facts.frameCount},
+                       {"cases", cases}});
+    }
+    std::fprintf(out, "%s\n", all.dump(2).c_str());
+}
+
+}  // namespace bench
