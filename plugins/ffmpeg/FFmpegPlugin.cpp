@@ -1,0 +1,67 @@
+/// The reader's description and the plug-in's entry point.
+#include <cstdarg>
+#include <cstdio>
+#include <exception>
+
+#include "plugins/ffmpeg/FFmpegReader.h"
+#include "toolkit/plugins/Plugin.h"
+#include "toolkit/services/Log.h"
+
+namespace playfile_ffmpeg {
+namespace {
+
+/// Behind the readers that know a few formats well.
+constexpr int priority = 100;
+
+class FFmpegReaderInfo : public Ox::FileReaderInfo {
+public:
+    FFmpegReaderInfo() { readerName = "FFmpeg"; }
+
+    [[nodiscard]] Ox::Ptr<FileReadInstance> openFile(LightweightString<wchar_t> const& filename,
+                                                     DecodeFormat const& format, OpenType type) override {
+        std::string error;
+        try {
+            if (Ox::Ptr<FFmpegReader> const reader = FFmpegReader::open(filename, format, type, error)) {
+                return reader;
+            }
+        } catch (std::exception const& exception) {
+            error = exception.what();
+        }
+        LogBoth("FFmpeg: \"%ls\" %s\n", filename.c_str(), error.c_str());
+        return {};
+    }
+
+    /// FFmpeg tells a file by its contents, so every file is worth a look.
+    [[nodiscard]] bool canOpen(LightweightString<wchar_t> const&, OpenType type) override {
+        return (type.mask() & OpenType::video) != 0;
+    }
+
+    [[nodiscard]] std::uint32_t getReadableTypes(LightweightString<wchar_t> const&, OpenType,
+                                                 PlayFileMetadataRep* metadata,
+                                                 Aud::Metadata const&) override {
+        return metadata->videoInfoCount != 0 ? OpenType::video : OpenType::unknown;
+    }
+};
+
+/// FFmpeg's complaints go to the log; what matters of them comes as an error anyway.
+void logError(void* context, int level, char const* format, va_list arguments) {
+    if (level > AV_LOG_ERROR) {
+        return;
+    }
+    char line[1024];
+    int isAtLineStart = 1;
+    av_log_format_line2(context, level, format, arguments, line, sizeof(line), &isAtLineStart);
+    Log("FFmpeg: %s", line);
+}
+
+}  // namespace
+}  // namespace playfile_ffmpeg
+
+extern "C" int playfile_registerPlugin(std::uint32_t interfaceVersion, iPluginRegistrar& registrar) {
+    if (interfaceVersion != pluginInterfaceVersion) {
+        return 0;
+    }
+    av_log_set_callback(&playfile_ffmpeg::logError);
+    registrar.addFileReader(Ox::makePtr<playfile_ffmpeg::FFmpegReaderInfo>(), playfile_ffmpeg::priority);
+    return 1;
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "plugins/ffmpeg/FrameFetcher.h"
+#include "toolkit/image/PlayFileMetadataRep.h"
+
+namespace playfile_ffmpeg {
+
+/// Writes what a file tells of itself into the library's description. Its `extraConfig` gets:
+/// `container`, `codec`, `profile`, `pixelFormat`, `fieldOrder`, `bitRate`, `duration` (seconds), each tag
+/// as `tag.NAME`, for each audio stream N from 1 on `audio.N.language`, and for each cover picture N
+/// `coverArt.N.codec`, `.width`, `.height` and `.data` (base 64).
+void describe(FrameFetcher const& fetcher, PlayFileMetadataRep& metadata);
+
+/// Seconds of a frame from the first one.
+double timeOfFrame(FrameFetcher const& fetcher, std::uint32_t frame);
+
+}  // namespace playfile_ffmpeg
