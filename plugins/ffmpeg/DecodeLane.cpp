@@ -1,0 +1,224 @@
+#include "plugins/ffmpeg/DecodeLane.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace playfile_ffmpeg {
+namespace {
+
+/// A key that lies this many packets ahead is reached by reading on; beyond, going there is faster.
+constexpr uint32_t readOnPackets = 8;
+/// A key may be marked that isn't one; then decoding begins at the key before.
+constexpr int mostRestarts = 2;
+/// Pictures that may come out after a missing one before it is given up.
+constexpr uint32_t patienceFrames = 2;
+/// More than any decoder holds; what was sent before that long ago never comes out.
+constexpr size_t mostFramesInDecoder = 128;
+/// Packets of a damaged beginning that are tried for a first picture.
+constexpr uint32_t mostLeadingPackets = 300;
+
+/// The picture with its time instead of its packet's number.
+PicturePtr withTime(AvPtr<AVFrame> frame, int64_t pts) {
+    frame->pts = pts;
+    return PicturePtr(frame.release(), [](AVFrame const* picture) {
+        AVFrame* owned = const_cast<AVFrame*>(picture);
+        av_frame_free(&owned);
+    });
+}
+
+}  // namespace
+
+DecodeLane::DecodeLane(FrameIndex const& index, PacketReader& reader, std::unique_ptr<FrameDecoder> decoder,
+                       NalFraming framing)
+    : index_(index),
+      reader_(reader),
+      decoder_(std::move(decoder)),
+      codec_(decoder_->context().codec_id),
+      framing_(framing),
+      packet_(makePacket()) {}
+
+PicturePtr DecodeLane::fetch(uint32_t wanted, uint32_t keepFrom, PictureShelf& shelf) {
+    Walk const goal{wanted, keepFrom};
+    if (!leadsTo(wanted)) {
+        restartAt(index_.startPacketFor(wanted));
+    }
+    PicturePtr picture = walk(goal, shelf);
+    for (int restart = 0; !picture && startedAt_ > 0 && restart < mostRestarts; ++restart) {
+        restartAt(index_.keyBefore(std::min(startedAt_, index_.startPacketFor(wanted))));
+        picture = walk(goal, shelf);
+    }
+    lastFetched_ = wanted;
+    return picture;
+}
+
+PicturePtr DecodeLane::fetchFirst(uint32_t& frame) {
+    PictureShelf unused;
+    restartAt(0);
+    while (next_ < mostLeadingPackets && !decoder_->hasEnded()) {
+        uint32_t number = 0;
+        if (AvPtr<AVFrame> picture = decoder_->receive(number)) {
+            if (number < index_.packetCount() && index_.packet(number).frame >= 0) {
+                frame = static_cast<uint32_t>(index_.packet(number).frame);
+                lastFetched_ = frame;
+                return finish(std::move(picture), number);
+            }
+            continue;
+        }
+        if (next_ < index_.packetCount()) {
+            feedNext({0, 0});
+        } else if (!decoder_->hasEnded()) {
+            decoder_->drain();
+        }
+    }
+    return nullptr;
+}
+
+/// Whether the decoder stands where reading on brings the frame, whole and no slower than a new start.
+bool DecodeLane::leadsTo(uint32_t wanted) const {
+    uint32_t const start = index_.startPacketFor(wanted);
+    if (!isRunning_ || start < startedAt_) {
+        return false;
+    }
+    if (std::find(inDecoder_.begin(), inDecoder_.end(), wanted) != inDecoder_.end()) {
+        return true;
+    }
+    if (index_.packetOf(wanted) < next_) {
+        return false;
+    }
+    return wanted == lastFetched_ + 1 || start <= next_ + readOnPackets;
+}
+
+void DecodeLane::restartAt(uint32_t packet) {
+    if (decoder_->sentCount() > 0) {
+        decoder_->reset();
+    }
+    counters_.seeks += next_ != packet;
+    inDecoder_.clear();
+    isRunning_ = true;
+    isDropping_ = false;
+    startedAt_ = packet;
+    next_ = packet;
+}
+
+PicturePtr DecodeLane::walk(Walk const& goal, PictureShelf& shelf) {
+    for (;;) {
+        uint32_t number = 0;
+        if (AvPtr<AVFrame> frame = decoder_->receive(number)) {
+            bool hasPassed = false;
+            if (PicturePtr picture = sift(std::move(frame), number, goal, shelf, hasPassed)) {
+                return picture;
+            }
+            if (hasPassed) {
+                return nullptr;
+            }
+        } else if (decoder_->hasEnded()) {
+            isRunning_ = false;
+            return nullptr;
+        } else if (next_ < index_.packetCount()) {
+            feedNext(goal);
+        } else {
+            decoder_->drain();
+        }
+    }
+}
+
+/// Keeps what is of use; answers the wanted picture if this is it.
+PicturePtr DecodeLane::sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& goal, PictureShelf& shelf,
+                            bool& hasPassed) {
+    int32_t const shown = number < index_.packetCount() ? index_.packet(number).frame : PacketEntry::notShown;
+    if (shown < 0) {
+        return nullptr;
+    }
+    uint32_t const shownFrame = static_cast<uint32_t>(shown);
+    std::erase(inDecoder_, shownFrame);
+    bool const isOfUse = shownFrame >= goal.keepFrom || shownFrame >= goal.wanted;
+    if (!isOfUse || !isCertain(shownFrame)) {
+        return nullptr;
+    }
+    PicturePtr picture = finish(std::move(frame), number);
+    if (shownFrame != goal.wanted) {
+        shelf.put(shownFrame, std::move(picture), goal.wanted);
+        hasPassed = shownFrame > goal.wanted + index_.reorderDepth() + patienceFrames;
+        return nullptr;
+    }
+    return picture;
+}
+
+void DecodeLane::feedNext(Walk const& goal) {
+    uint32_t const number = next_++;
+    PacketEntry const& entry = index_.packet(number);
+    ++counters_.packetsRead;
+    if (!reader_.read(number, *packet_)) {
+        return;
+    }
+    bool const mayDrop = isDroppable(entry, goal);
+    if (mayDrop && codec_ == AV_CODEC_ID_HEVC) {
+        return;
+    }
+    if (inDecoder_.size() > mostFramesInDecoder) {
+        inDecoder_.erase(inDecoder_.begin());
+    }
+    if (entry.frame >= 0 && !mayDrop) {
+        inDecoder_.push_back(static_cast<uint32_t>(entry.frame));
+    }
+    if (entry.isKey) {
+        packet_->flags |= AV_PKT_FLAG_KEY;
+    }
+    decoder_->send(*packet_, number, mayDrop);
+}
+
+/// The second field of a frame goes the way of the first. Most decoders see for themselves whether a
+/// picture is referred to; that of HEVC doesn't look.
+bool DecodeLane::isDroppable(PacketEntry const& entry, Walk const& goal) {
+    if (entry.frame >= 0) {
+        uint32_t const frame = static_cast<uint32_t>(entry.frame);
+        isDropping_ = frame < goal.wanted && frame < goal.keepFrom;
+    }
+    if (isDropping_ && codec_ == AV_CODEC_ID_HEVC) {
+        Bytes const bytes(packet_->data, static_cast<size_t>(packet_->size));
+        return isDisposable(codec_, framing_, firstSlice(codec_, framing_, bytes));
+    }
+    return isDropping_;
+}
+
+PicturePtr DecodeLane::finish(AvPtr<AVFrame> frame, uint32_t number) const {
+    return withTime(std::move(frame), index_.packet(number).pts);
+}
+
+IntraLane::IntraLane(FrameIndex const& index, PacketReader& reader, std::unique_ptr<FrameDecoder> decoder)
+    : index_(index), reader_(reader), decoder_(std::move(decoder)), packet_(makePacket()) {}
+
+PicturePtr IntraLane::fetch(uint32_t wanted) {
+    uint32_t const first = index_.packetOf(wanted);
+    uint32_t const end = index_.endOfFrameAt(first);
+    counters_.seeks += next_ != first;
+    next_ = end;
+    for (uint32_t number = first; number < end; ++number) {
+        ++counters_.packetsRead;
+        if (reader_.read(number, *packet_)) {
+            packet_->flags |= AV_PKT_FLAG_KEY;
+            decoder_->send(*packet_, number, false);
+        }
+    }
+    AvPtr<AVFrame> frame = receive(first);
+    if (!frame) {
+        decoder_->drain();
+        frame = receive(first);
+        decoder_->reset();
+    }
+    return frame ? withTime(std::move(frame), index_.packet(first).pts) : nullptr;
+}
+
+/// The picture of packet `wanted`; what else the decoder holds is of no use.
+AvPtr<AVFrame> IntraLane::receive(uint32_t wanted) {
+    AvPtr<AVFrame> found;
+    uint32_t number = 0;
+    while (AvPtr<AVFrame> frame = decoder_->receive(number)) {
+        if (number == wanted) {
+            found = std::move(frame);
+        }
+    }
+    return found;
+}
+
+}  // namespace playfile_ffmpeg

@@ -1,0 +1,84 @@
+#include "plugins/ffmpeg/FrameDecoder.h"
+
+#include <algorithm>
+
+namespace playfile_ffmpeg {
+namespace {
+
+/// A decoder that reports one error after another without taking anything in is given up.
+constexpr int mostErrorsInARow = 64;
+
+bool can(AVCodec const& codec, int capability) { return (codec.capabilities & capability) != 0; }
+
+void chooseThreads(AVCodecContext& context, AVCodec const& codec, FrameDecoder::eThreading threading) {
+    bool const byFrame = threading == FrameDecoder::eThreading::throughput && can(codec, AV_CODEC_CAP_FRAME_THREADS);
+    context.thread_type = byFrame ? FF_THREAD_FRAME : FF_THREAD_SLICE;
+    bool const useful = byFrame || can(codec, AV_CODEC_CAP_SLICE_THREADS | AV_CODEC_CAP_OTHER_THREADS);
+    context.thread_count = useful ? 0 : 1;
+}
+
+}  // namespace
+
+std::unique_ptr<FrameDecoder> FrameDecoder::open(AVCodecParameters const& parameters, uint32_t reorderDepth,
+                                                 eThreading threading, std::string& error) {
+    AVCodec const* codec = avcodec_find_decoder(parameters.codec_id);
+    if (codec == nullptr) {
+        error = std::string("no decoder for ") + avcodec_get_name(parameters.codec_id);
+        return nullptr;
+    }
+    AvPtr<AVCodecContext> context(avcodec_alloc_context3(codec));
+    int code = context ? avcodec_parameters_to_context(context.get(), &parameters) : AVERROR(ENOMEM);
+    if (code >= 0) {
+        context->has_b_frames = std::max(context->has_b_frames, static_cast<int>(reorderDepth));
+        chooseThreads(*context, *codec, threading);
+        code = avcodec_open2(context.get(), codec, nullptr);
+    }
+    if (code < 0) {
+        error = "the decoder can't be opened: " + avErrorText(code);
+        return nullptr;
+    }
+    return std::unique_ptr<FrameDecoder>(new FrameDecoder(std::move(context)));
+}
+
+bool FrameDecoder::hasFrameThreads(AVCodecID id) {
+    AVCodec const* codec = avcodec_find_decoder(id);
+    return codec != nullptr && can(*codec, AV_CODEC_CAP_FRAME_THREADS);
+}
+
+void FrameDecoder::send(AVPacket& packet, uint32_t number, bool mayDrop) {
+    packet.pts = number;
+    packet.dts = AV_NOPTS_VALUE;
+    packet.flags &= ~AV_PKT_FLAG_DISCARD;
+    context_->skip_frame = mayDrop ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
+    ++sentCount_;
+    avcodec_send_packet(context_.get(), &packet);
+}
+
+void FrameDecoder::drain() { avcodec_send_packet(context_.get(), nullptr); }
+
+void FrameDecoder::reset() {
+    avcodec_flush_buffers(context_.get());
+    hasEnded_ = false;
+}
+
+AvPtr<AVFrame> FrameDecoder::receive(uint32_t& number) {
+    AvPtr<AVFrame> frame = makeFrame();
+    for (int errors = 0; errors < mostErrorsInARow; ++errors) {
+        int const code = avcodec_receive_frame(context_.get(), frame.get());
+        if (code >= 0) {
+            ++decodedCount_;
+            number = static_cast<uint32_t>(frame->pts);
+            return frame;
+        }
+        if (code == AVERROR(EAGAIN)) {
+            return nullptr;
+        }
+        if (code == AVERROR_EOF) {
+            break;
+        }
+    }
+    hasEnded_ = true;
+    return nullptr;
+}
+
+}  // namespace playfile_ffmpeg

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "plugins/ffmpeg/AvPointers.h"
+
+namespace playfile_ffmpeg {
+
+/// One decoder of libavcodec.
+///
+/// Packets are sent with their number in decoding order in place of a time; the picture that comes of a
+/// packet bears that number, so that it is known whatever order pictures come out in.
+///
+/// Threads      One at a time; decodes on threads of its own.
+class FrameDecoder {
+public:
+    enum class eThreading {
+        lowLatency,  ///< All threads on one picture, which comes out as soon as the coding allows.
+        throughput   ///< A picture per thread where the codec can; pictures come out later.
+    };
+
+    /// `reorderDepth`: how many pictures the decoder must hold back at least. Empty on failure, with the
+    /// reason in `error`.
+    static std::unique_ptr<FrameDecoder> open(AVCodecParameters const& parameters, uint32_t reorderDepth,
+                                              eThreading threading, std::string& error);
+
+    /// True if frames can be decoded in parallel.
+    static bool hasFrameThreads(AVCodecID codec);
+
+    /// Takes the packet's bytes as packet `number`. `mayDrop`: nobody will ask for its picture, so it
+    /// needs no decoding if no other refers to it. A damaged packet is taken and yields nothing.
+    void send(AVPacket& packet, uint32_t number, bool mayDrop);
+
+    /// Tells the decoder that nothing follows, so that it gives out what it holds back.
+    void drain();
+
+    /// Forgets everything; the next packet must be a key.
+    void reset();
+
+    /// The next picture; empty if the decoder wants more packets, or has given out all after drain().
+    /// `number` is that of its packet.
+    AvPtr<AVFrame> receive(uint32_t& number);
+
+    bool hasEnded() const { return hasEnded_; }
+    uint64_t sentCount() const { return sentCount_; }
+    uint64_t decodedCount() const { return decodedCount_; }
+    AVCodecContext const& context() const { return *context_; }
+
+private:
+    explicit FrameDecoder(AvPtr<AVCodecContext> context) : context_(std::move(context)) {}
+
+    AvPtr<AVCodecContext> context_;
+    bool hasEnded_ = false;
+    uint64_t sentCount_ = 0;
+    uint64_t decodedCount_ = 0;
+};
+
+}  // namespace playfile_ffmpeg

@@ -1,0 +1,202 @@
+#include "plugins/ffmpeg/FrameFetcher.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace playfile_ffmpeg {
+namespace {
+
+/// So many frames asked for one after the other make a run, for which a decoder that works ahead pays.
+constexpr uint32_t framesOfARun = 2;
+/// Intra-coded frames of a damaged beginning that are tried for a first picture.
+constexpr uint32_t mostLeadingFrames = 32;
+
+NalFraming framingOf(AVCodecParameters const& parameters) {
+    return NalFraming::of(parameters.codec_id,
+                          Bytes(parameters.extradata, static_cast<size_t>(parameters.extradata_size)));
+}
+
+/// A stream without container has no times; each frame gets the time that its number means.
+void countTimes(std::vector<PacketEntry>& packets, StreamFacts& facts, AVRational rate) {
+    facts.timeBase = av_inv_q(rate);
+    for (PacketEntry& packet : packets) {
+        packet.pts = packet.frame;
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<FrameFetcher> FrameFetcher::open(std::string const& path, std::string& error) {
+    std::unique_ptr<FrameFetcher> fetcher(new FrameFetcher);
+    if (!fetcher->build(path, error) || !fetcher->showFirst(error)) {
+        return nullptr;
+    }
+    return fetcher;
+}
+
+bool FrameFetcher::build(std::string const& path, std::string& error) {
+    file_ = std::make_shared<ByteFile>();
+    auto container = std::make_unique<OpenContainer>();
+    if (!file_->open(path, error) || !container->open(path, error)) {
+        return false;
+    }
+    AVStream const& video = container->video();
+    parameters_.reset(avcodec_parameters_alloc());
+    if (!parameters_ || avcodec_parameters_copy(parameters_.get(), video.codecpar) < 0) {
+        error = "no memory";
+        return false;
+    }
+    facts_ = factsOf(container->format(), video);
+    BuiltIndex const built = buildIndex(*container, *file_);
+    std::vector<PacketEntry> packets = numberFrames(built.packets, parameters_->codec_id, built.timesAreTrue);
+    bool const isRaw = container->isRawStream();
+    AVRational const stated = isRaw ? video.r_frame_rate : video.avg_frame_rate;
+    if (isRaw && stated.num > 0 && stated.den > 0) {
+        countTimes(packets, facts_, stated);
+    }
+    index_ = FrameIndex(std::move(packets));
+    if (index_.frameCount() == 0) {
+        error = "holds no frames";
+        return false;
+    }
+    wasScanned_ = built.isScanned;
+    hasFrameThreads_ = FrameDecoder::hasFrameThreads(parameters_->codec_id);
+    measureRates(facts_, index_, stated);
+    return makeReader(std::move(container), path, built);
+}
+
+bool FrameFetcher::makeReader(std::unique_ptr<OpenContainer> container, std::string const& path,
+                              BuiltIndex const& built) {
+    if (built.liesInFile) {
+        reader_ = std::make_unique<DirectPacketReader>(file_, index_);
+    } else {
+        reader_ = std::make_unique<DemuxedPacketReader>(std::move(container), path, index_);
+    }
+    return true;
+}
+
+/// What is shown before the first picture that decodes isn't shown at all: pictures that lead a first
+/// key and refer to what was cut off. If the key itself is damaged, its number stays, without a picture.
+bool FrameFetcher::showFirst(std::string& error) {
+    if (index_.isEveryPacketAKey()) {
+        return showFirstIntra(error);
+    }
+    DecodeLane* lane = linear();
+    uint32_t frame = 0;
+    PicturePtr picture = lane != nullptr ? lane->fetchFirst(frame) : nullptr;
+    if (!picture) {
+        error = std::string("no frame of its video can be decoded (") + facts_.codec + ")";
+        return false;
+    }
+    if (frame > 0 && frame <= index_.firstKeyFrame()) {
+        index_.hideFramesBefore(frame);
+        frame = 0;
+    }
+    addPictureFacts(facts_, *picture, lane->decoder().context());
+    shelf_.put(frame, std::move(picture), frame);
+    return true;
+}
+
+bool FrameFetcher::showFirstIntra(std::string& error) {
+    IntraLane* lane = intra();
+    uint32_t const tried = lane != nullptr ? std::min(frameCount(), mostLeadingFrames) : 0;
+    for (uint32_t frame = 0; frame < tried; ++frame) {
+        if (PicturePtr picture = lane->fetch(frame)) {
+            addPictureFacts(facts_, *picture, lane->decoder().context());
+            shelf_.put(frame, std::move(picture), frame);
+            return true;
+        }
+    }
+    error = std::string("no frame of its video can be decoded (") + facts_.codec + ")";
+    return false;
+}
+
+PicturePtr FrameFetcher::fetch(uint32_t frame) {
+    if (frame >= frameCount() || isMissing(frame)) {
+        return nullptr;
+    }
+    onwardRun_ = frame == lastFrame_ + 1 ? onwardRun_ + 1 : 0;
+    PicturePtr picture = shelf_.find(frame);
+    shelfHits_ += picture != nullptr;
+    if (!picture) {
+        picture = decode(frame);
+    }
+    lastFrame_ = frame;
+    if (!picture) {
+        isUndecodable_.resize(frameCount());
+        isUndecodable_[frame] = true;
+    }
+    return picture;
+}
+
+PicturePtr FrameFetcher::decode(uint32_t frame) {
+    uint32_t const keep = keepFrom(frame);
+    shelf_.dropBefore(keep);
+    PicturePtr picture;
+    bool const isRun = onwardRun_ >= framesOfARun && hasFrameThreads_;
+    if (index_.isEveryPacketAKey() && !isRun) {
+        IntraLane* lane = intra();
+        picture = lane != nullptr ? lane->fetch(frame) : nullptr;
+    } else {
+        DecodeLane* lane = linear();
+        picture = lane != nullptr ? lane->fetch(frame, keep, shelf_) : nullptr;
+    }
+    if (picture) {
+        shelf_.put(frame, picture, frame);
+    }
+    return picture;
+}
+
+/// Somebody who steps back will ask for the frames before next; they come out on the way anyhow.
+uint32_t FrameFetcher::keepFrom(uint32_t frame) const {
+    int64_t const reach = static_cast<int64_t>(shelf_.capacity()) - 2;
+    bool const stepsBack = frame < lastFrame_ && lastFrame_ - frame <= reach;
+    return stepsBack ? static_cast<uint32_t>(std::max<int64_t>(0, frame - reach)) : frame;
+}
+
+DecodeLane* FrameFetcher::linear() {
+    if (!linear_) {
+        std::string error;
+        auto decoder = FrameDecoder::open(*parameters_, index_.reorderDepth(), FrameDecoder::eThreading::throughput,
+                                          error);
+        if (decoder) {
+            linear_ = std::make_unique<DecodeLane>(index_, *reader_, std::move(decoder), framingOf(*parameters_));
+        }
+    }
+    return linear_.get();
+}
+
+IntraLane* FrameFetcher::intra() {
+    if (!intra_) {
+        std::string error;
+        auto decoder = FrameDecoder::open(*parameters_, 0, FrameDecoder::eThreading::lowLatency, error);
+        if (decoder) {
+            intra_ = std::make_unique<IntraLane>(index_, *reader_, std::move(decoder));
+        }
+    }
+    return intra_.get();
+}
+
+bool FrameFetcher::isMissing(uint32_t frame) const {
+    bool const isKnownUndecodable = !isUndecodable_.empty() && isUndecodable_[frame];
+    return isKnownUndecodable || reader_->isMissing(index_.packetOf(frame));
+}
+
+FrameFetcher::Counters FrameFetcher::counters() const {
+    Counters sum;
+    auto const add = [&sum](LaneCounters const& lane, FrameDecoder const& decoder) {
+        sum.seeks += lane.seeks;
+        sum.packetsRead += lane.packetsRead;
+        sum.framesDecoded += decoder.decodedCount();
+    };
+    if (linear_) {
+        add(linear_->counters(), linear_->decoder());
+    }
+    if (intra_) {
+        add(intra_->counters(), intra_->decoder());
+    }
+    sum.shelfHits = shelfHits_;
+    return sum;
+}
+
+}  // namespace playfile_ffmpeg

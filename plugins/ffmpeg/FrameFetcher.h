@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "plugins/ffmpeg/AvPointers.h"
+#include "plugins/ffmpeg/ByteFile.h"
+#include "plugins/ffmpeg/DecodeLane.h"
+#include "plugins/ffmpeg/FrameIndex.h"
+#include "plugins/ffmpeg/IndexBuilder.h"
+#include "plugins/ffmpeg/PacketReader.h"
+#include "plugins/ffmpeg/PictureShelf.h"
+#include "plugins/ffmpeg/StreamFacts.h"
+
+namespace playfile_ffmpeg {
+
+/// From a file to its n-th shown frame, exact whatever the order in which frames are asked for.
+///
+/// Opening decodes the first frame, which is what tells pixel format and colour, and keeps it. Frames in
+/// a row are decoded by a decoder with a frame per thread, others of intra-coded streams by one with all
+/// threads on the one frame. Reading onward never seeks.
+///
+/// Ownership    Holds the file, up to two decoders, and a few pictures.
+/// Threads      One at a time.
+/// Units        frame: number in display order, from 0.
+/// Errors       A frame that can't be decoded is empty; all others keep their numbers.
+class FrameFetcher {
+public:
+    struct Counters {
+        uint64_t seeks = 0;
+        uint64_t packetsRead = 0;
+        uint64_t framesDecoded = 0;
+        uint64_t shelfHits = 0;
+    };
+
+    /// Empty with the reason in `error` when nothing of the file can be shown. Blocks on the file.
+    static std::unique_ptr<FrameFetcher> open(std::string const& path, std::string& error);
+
+    /// The picture in its own size and format; empty if it can't be had. Blocks on the file.
+    PicturePtr fetch(uint32_t frame);
+
+    uint32_t frameCount() const { return index_.frameCount(); }
+    FrameIndex const& index() const { return index_; }
+    StreamFacts const& facts() const { return facts_; }
+
+    /// True if all packets were read at open because the container has no index.
+    bool wasScanned() const { return wasScanned_; }
+    Counters counters() const;
+
+private:
+    FrameFetcher() = default;
+
+    bool build(std::string const& path, std::string& error);
+    bool makeReader(std::unique_ptr<OpenContainer> container, std::string const& path, BuiltIndex const& built);
+    bool showFirst(std::string& error);
+    bool showFirstIntra(std::string& error);
+    PicturePtr decode(uint32_t frame);
+    uint32_t keepFrom(uint32_t frame) const;
+    DecodeLane* linear();
+    IntraLane* intra();
+    bool isMissing(uint32_t frame) const;
+
+    AvPtr<AVCodecParameters> parameters_;
+    std::shared_ptr<ByteFile> file_;
+    FrameIndex index_;
+    StreamFacts facts_;
+    bool wasScanned_ = false;
+    bool hasFrameThreads_ = false;
+    std::unique_ptr<PacketReader> reader_;
+    std::unique_ptr<DecodeLane> linear_;
+    std::unique_ptr<IntraLane> intra_;
+    PictureShelf shelf_;
+    std::vector<bool> isUndecodable_;  ///< Empty until the first one.
+    int64_t lastFrame_ = -1;
+    uint32_t onwardRun_ = 0;
+    uint64_t shelfHits_ = 0;
+};
+
+}  // namespace playfile_ffmpeg

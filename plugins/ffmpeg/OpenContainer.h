@@ -1,0 +1,64 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+#include "plugins/ffmpeg/AvPointers.h"
+
+namespace playfile_ffmpeg {
+
+/// Ends an operation of libavformat that doesn't end by itself.
+///
+/// Threads      arm and isOver: the thread that works on the container.
+class Deadline {
+public:
+    static constexpr std::chrono::seconds patience{60};
+
+    void arm() { end_ = std::chrono::steady_clock::now() + patience; }
+    bool isOver() const { return std::chrono::steady_clock::now() > end_; }
+    AVIOInterruptCB callback();
+
+private:
+    std::chrono::steady_clock::time_point end_{};
+};
+
+/// An opened container with its chosen video stream.
+///
+/// The video stream is the first one that isn't a cover picture. All other streams are discarded while
+/// packets are read.
+///
+/// Threads      One at a time.
+class OpenContainer {
+public:
+    /// False with the reason in `error`. May block on the file.
+    [[nodiscard]] bool open(std::string const& path, std::string& error);
+
+    AVFormatContext& format() const { return *format_; }
+    AVStream& video() const { return *format_->streams[videoIndex_]; }
+
+    /// Reads the next packet of the video stream; a code of FFmpeg below 0 at the end.
+    int readVideoPacket(AVPacket& packet);
+
+    bool isFormat(char const* name) const;
+    bool isStill() const;
+
+    /// A stream without container: packets follow each other without anything between them.
+    bool isRawStream() const { return (format_->iformat->flags & AVFMT_NOTIMESTAMPS) != 0 && !isStill(); }
+
+    Deadline& deadline() { return deadline_; }
+
+private:
+    bool openInput(std::string const& path, std::string& error);
+    bool statesWhatIsNeeded() const;
+    bool probeStreams(std::string& error);
+    bool chooseVideo();
+    void discardOthers();
+
+    Deadline deadline_;
+    AvPtr<AVFormatContext> format_;
+    unsigned videoIndex_ = 0;
+};
+
+}  // namespace playfile_ffmpeg
