@@ -8,8 +8,8 @@ namespace {
 
 /// A key that lies this many packets ahead is reached by reading on; beyond, going there is faster.
 constexpr uint32_t readOnPackets = 8;
-/// A key may be marked that isn't one; then decoding begins at the key before.
-constexpr int mostRestarts = 2;
+/// A picture may need more than the key before it; the last attempt begins as far back as this.
+constexpr uint32_t farBackPackets = 300;
 /// Pictures that may come out after a missing one before it is given up.
 constexpr uint32_t patienceFrames = 2;
 /// More than any decoder holds; what was sent before that long ago never comes out.
@@ -28,7 +28,7 @@ PicturePtr withTime(AvPtr<AVFrame> frame, int64_t pts) {
 
 }  // namespace
 
-DecodeLane::DecodeLane(FrameIndex const& index, PacketReader& reader, std::unique_ptr<FrameDecoder> decoder,
+DecodeLane::DecodeLane(FrameIndex& index, PacketReader& reader, std::unique_ptr<FrameDecoder> decoder,
                        NalFraming framing)
     : index_(index),
       reader_(reader),
@@ -39,15 +39,33 @@ DecodeLane::DecodeLane(FrameIndex const& index, PacketReader& reader, std::uniqu
 
 PicturePtr DecodeLane::fetch(uint32_t wanted, uint32_t keepFrom, PictureShelf& shelf) {
     Walk const goal{wanted, keepFrom};
-    if (!leadsTo(wanted)) {
-        restartAt(index_.startPacketFor(wanted));
+    PicturePtr picture = leadsTo(wanted) ? walk(goal, shelf) : walkFrom(index_.startPacketFor(wanted), goal, shelf);
+    uint32_t const start = std::min(startedAt_, index_.startPacketFor(wanted));
+    if (!picture && startedAt_ > 0) {
+        picture = walkFrom(index_.keyBefore(start), goal, shelf);
     }
-    PicturePtr picture = walk(goal, shelf);
-    for (int restart = 0; !picture && startedAt_ > 0 && restart < mostRestarts; ++restart) {
-        restartAt(index_.keyBefore(std::min(startedAt_, index_.startPacketFor(wanted))));
-        picture = walk(goal, shelf);
+    if (!picture && startedAt_ > 0) {
+        picture = walkFrom(index_.keyBefore(start - std::min(start, farBackPackets)), goal, shelf);
+    }
+    if (hasDropped_ && decoder_->errorCount() > errorsAtStart_) {
+        mayDrop_ = false;
+        shelf.clear();
+        picture = walkFrom(startedAt_, goal, shelf);
     }
     lastFetched_ = wanted;
+    return picture;
+}
+
+/// A container may mark a packet as a key that isn't one. Its picture gives it away; then it is no
+/// longer counted as a key, and decoding begins at the key before.
+PicturePtr DecodeLane::walkFrom(uint32_t packet, Walk const& goal, PictureShelf& shelf) {
+    restartAt(packet);
+    PicturePtr picture = walk(goal, shelf);
+    while (hasFalseStart_ && startedAt_ > 0) {
+        index_.takeKeyMark(startedAt_);
+        restartAt(index_.keyBefore(startedAt_));
+        picture = walk(goal, shelf);
+    }
     return picture;
 }
 
@@ -60,6 +78,7 @@ PicturePtr DecodeLane::fetchFirst(uint32_t& frame) {
             if (number < index_.packetCount() && index_.packet(number).frame >= 0) {
                 frame = static_cast<uint32_t>(index_.packet(number).frame);
                 lastFetched_ = frame;
+                std::erase(inDecoder_, frame);
                 return finish(std::move(picture), number);
             }
             continue;
@@ -92,10 +111,12 @@ void DecodeLane::restartAt(uint32_t packet) {
     if (decoder_->sentCount() > 0) {
         decoder_->reset();
     }
-    counters_.seeks += next_ != packet;
     inDecoder_.clear();
     isRunning_ = true;
     isDropping_ = false;
+    hasFalseStart_ = false;
+    hasDropped_ = false;
+    errorsAtStart_ = decoder_->errorCount();
     startedAt_ = packet;
     next_ = packet;
 }
@@ -108,7 +129,7 @@ PicturePtr DecodeLane::walk(Walk const& goal, PictureShelf& shelf) {
             if (PicturePtr picture = sift(std::move(frame), number, goal, shelf, hasPassed)) {
                 return picture;
             }
-            if (hasPassed) {
+            if (hasPassed || hasFalseStart_) {
                 return nullptr;
             }
         } else if (decoder_->hasEnded()) {
@@ -125,6 +146,11 @@ PicturePtr DecodeLane::walk(Walk const& goal, PictureShelf& shelf) {
 /// Keeps what is of use; answers the wanted picture if this is it.
 PicturePtr DecodeLane::sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& goal, PictureShelf& shelf,
                             bool& hasPassed) {
+    if (isFalseStart(*frame, number)) {
+        hasFalseStart_ = true;
+        isRunning_ = false;
+        return nullptr;
+    }
     int32_t const shown = number < index_.packetCount() ? index_.packet(number).frame : PacketEntry::notShown;
     if (shown < 0) {
         return nullptr;
@@ -144,11 +170,16 @@ PicturePtr DecodeLane::sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& g
     return picture;
 }
 
+bool DecodeLane::isFalseStart(AVFrame const& frame, uint32_t number) const {
+    bool const isPredicted = frame.pict_type == AV_PICTURE_TYPE_P || frame.pict_type == AV_PICTURE_TYPE_B;
+    return number == startedAt_ && number > 0 && isPredicted && frame.key_frame == 0;
+}
+
 void DecodeLane::feedNext(Walk const& goal) {
     uint32_t const number = next_++;
     PacketEntry const& entry = index_.packet(number);
-    ++counters_.packetsRead;
     if (!reader_.read(number, *packet_)) {
+        decoder_->countError();
         return;
     }
     bool const mayDrop = isDroppable(entry, goal);
@@ -172,7 +203,8 @@ void DecodeLane::feedNext(Walk const& goal) {
 bool DecodeLane::isDroppable(PacketEntry const& entry, Walk const& goal) {
     if (entry.frame >= 0) {
         uint32_t const frame = static_cast<uint32_t>(entry.frame);
-        isDropping_ = frame < goal.wanted && frame < goal.keepFrom;
+        isDropping_ = mayDrop_ && frame < goal.wanted && frame < goal.keepFrom;
+        hasDropped_ = hasDropped_ || isDropping_;
     }
     if (isDropping_ && codec_ == AV_CODEC_ID_HEVC) {
         Bytes const bytes(packet_->data, static_cast<size_t>(packet_->size));
@@ -191,11 +223,8 @@ IntraLane::IntraLane(FrameIndex const& index, PacketReader& reader, std::unique_
 PicturePtr IntraLane::fetch(uint32_t wanted) {
     uint32_t const first = index_.packetOf(wanted);
     uint32_t const end = index_.endOfFrameAt(first);
-    counters_.seeks += next_ != first;
-    next_ = end;
     for (uint32_t number = first; number < end; ++number) {
-        ++counters_.packetsRead;
-        if (reader_.read(number, *packet_)) {
+            if (reader_.read(number, *packet_)) {
             packet_->flags |= AV_PKT_FLAG_KEY;
             decoder_->send(*packet_, number, false);
         }

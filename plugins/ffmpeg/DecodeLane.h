@@ -12,29 +12,23 @@
 
 namespace playfile_ffmpeg {
 
-/// What a lane did since it was made.
-struct LaneCounters {
-    uint64_t seeks = 0;        ///< Reading began at another packet than the one that follows.
-    uint64_t packetsRead = 0;
-};
-
 /// A decoder that walks along the packets from a key to the wanted frame, and on from there.
 ///
 /// Threads      One at a time.
 class DecodeLane {
 public:
-    DecodeLane(FrameIndex const& index, PacketReader& reader, std::unique_ptr<FrameDecoder> decoder,
+    DecodeLane(FrameIndex& index, PacketReader& reader, std::unique_ptr<FrameDecoder> decoder,
                NalFraming framing);
 
     /// Frame `wanted`; empty if it can't be decoded. Pictures from `keepFrom` on that come out on the way,
     /// and those shown after the wanted one, go onto the shelf. Pictures before `keepFrom` that nobody
-    /// refers to aren't decoded.
+    /// refers to aren't decoded; unless there is damage on the way, since what a decoder makes of a damaged
+    /// picture depends on all that went before.
     PicturePtr fetch(uint32_t wanted, uint32_t keepFrom, PictureShelf& shelf);
 
     /// The first picture that decoding from the first packet gives out, with its frame number.
     PicturePtr fetchFirst(uint32_t& frame);
 
-    LaneCounters const& counters() const { return counters_; }
     FrameDecoder const& decoder() const { return *decoder_; }
 
 private:
@@ -42,30 +36,33 @@ private:
         uint32_t wanted;
         uint32_t keepFrom;
     };
-    enum class eStep { delivered, passed, ended };
-
+    PicturePtr walkFrom(uint32_t packet, Walk const& goal, PictureShelf& shelf);
     bool leadsTo(uint32_t wanted) const;
     void restartAt(uint32_t packet);
     PicturePtr walk(Walk const& goal, PictureShelf& shelf);
     PicturePtr sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& goal, PictureShelf& shelf, bool& hasPassed);
+    bool isFalseStart(AVFrame const& frame, uint32_t number) const;
     void feedNext(Walk const& goal);
     bool isDroppable(PacketEntry const& entry, Walk const& goal);
     bool isCertain(uint32_t frame) const { return index_.startPacketFor(frame) >= startedAt_; }
     PicturePtr finish(AvPtr<AVFrame> frame, uint32_t number) const;
 
-    FrameIndex const& index_;
+    FrameIndex& index_;
     PacketReader& reader_;
     std::unique_ptr<FrameDecoder> decoder_;
     AVCodecID codec_;
     NalFraming framing_;
     AvPtr<AVPacket> packet_;
     bool isRunning_ = false;
+    bool mayDrop_ = true;       ///< False from the first damage on, see fetch().
     bool isDropping_ = false;
+    bool hasDropped_ = false;   ///< Since the start.
+    uint64_t errorsAtStart_ = 0;
+    bool hasFalseStart_ = false;  ///< The packet it started at turned out not to be a key.
     uint32_t startedAt_ = 0;
     uint32_t next_ = 0;         ///< The packet to be sent next.
     uint32_t lastFetched_ = 0;
     std::vector<uint32_t> inDecoder_;  ///< Frames whose packets were sent and that haven't come out.
-    LaneCounters counters_;
 };
 
 /// A decoder for streams of which every packet is a key: sends a frame's packets and nothing else.
@@ -77,7 +74,6 @@ public:
 
     PicturePtr fetch(uint32_t wanted);
 
-    LaneCounters const& counters() const { return counters_; }
     FrameDecoder const& decoder() const { return *decoder_; }
 
 private:
@@ -87,8 +83,6 @@ private:
     PacketReader& reader_;
     std::unique_ptr<FrameDecoder> decoder_;
     AvPtr<AVPacket> packet_;
-    uint32_t next_ = 0;
-    LaneCounters counters_;
 };
 
 }  // namespace playfile_ffmpeg

@@ -51,7 +51,7 @@ void FrameDecoder::send(AVPacket& packet, uint32_t number, bool mayDrop) {
     packet.flags &= ~AV_PKT_FLAG_DISCARD;
     context_->skip_frame = mayDrop ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
     ++sentCount_;
-    avcodec_send_packet(context_.get(), &packet);
+    errorCount_ += avcodec_send_packet(context_.get(), &packet) < 0;
 }
 
 void FrameDecoder::drain() { avcodec_send_packet(context_.get(), nullptr); }
@@ -67,6 +67,7 @@ AvPtr<AVFrame> FrameDecoder::receive(uint32_t& number) {
         int const code = avcodec_receive_frame(context_.get(), frame.get());
         if (code >= 0) {
             ++decodedCount_;
+            errorCount_ += frame->decode_error_flags != 0;
             number = static_cast<uint32_t>(frame->pts);
             return frame;
         }
@@ -76,6 +77,7 @@ AvPtr<AVFrame> FrameDecoder::receive(uint32_t& number) {
         if (code == AVERROR_EOF) {
             break;
         }
+        ++errorCount_;
     }
     hasEnded_ = true;
     return nullptr;

@@ -33,6 +33,9 @@ public:
     /// needs no decoding if no other refers to it. A damaged packet is taken and yields nothing.
     void send(AVPacket& packet, uint32_t number, bool mayDrop);
 
+    /// Counts damage that the decoder doesn't see.
+    void countError() { ++errorCount_; }
+
     /// Tells the decoder that nothing follows, so that it gives out what it holds back.
     void drain();
 
@@ -45,6 +48,7 @@ public:
 
     bool hasEnded() const { return hasEnded_; }
     uint64_t sentCount() const { return sentCount_; }
+    uint64_t errorCount() const { return errorCount_; }
     uint64_t decodedCount() const { return decodedCount_; }
     AVCodecContext const& context() const { return *context_; }
 
@@ -55,6 +59,7 @@ private:
     bool hasEnded_ = false;
     uint64_t sentCount_ = 0;
     uint64_t decodedCount_ = 0;
+    uint64_t errorCount_ = 0;
 };
 
 }  // namespace playfile_ffmpeg

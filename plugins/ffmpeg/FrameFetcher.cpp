@@ -40,16 +40,16 @@ bool FrameFetcher::build(std::string const& path, std::string& error) {
     if (!file_->open(path, error) || !container->open(path, error)) {
         return false;
     }
-    AVStream const& video = container->video();
     parameters_.reset(avcodec_parameters_alloc());
-    if (!parameters_ || avcodec_parameters_copy(parameters_.get(), video.codecpar) < 0) {
+    if (!parameters_ || avcodec_parameters_copy(parameters_.get(), container->video().codecpar) < 0) {
         error = "no memory";
         return false;
     }
-    facts_ = factsOf(container->format(), video);
+    facts_ = factsOf(container->format(), container->video());
     BuiltIndex const built = buildIndex(*container, *file_);
     std::vector<PacketEntry> packets = numberFrames(built.packets, parameters_->codec_id, built.timesAreTrue);
     bool const isRaw = container->isRawStream();
+    AVStream const& video = container->video();
     AVRational const stated = isRaw ? video.r_frame_rate : video.avg_frame_rate;
     if (isRaw && stated.num > 0 && stated.den > 0) {
         countTimes(packets, facts_, stated);
@@ -61,18 +61,17 @@ bool FrameFetcher::build(std::string const& path, std::string& error) {
     }
     wasScanned_ = built.isScanned;
     hasFrameThreads_ = FrameDecoder::hasFrameThreads(parameters_->codec_id);
-    measureRates(facts_, index_, stated);
-    return makeReader(std::move(container), path, built);
+    measureRates(facts_, index_, stated, container->keepsExactTimes());
+    makeReader(std::move(container), built);
+    return true;
 }
 
-bool FrameFetcher::makeReader(std::unique_ptr<OpenContainer> container, std::string const& path,
-                              BuiltIndex const& built) {
+void FrameFetcher::makeReader(std::unique_ptr<OpenContainer> container, BuiltIndex const& built) {
     if (built.liesInFile) {
         reader_ = std::make_unique<DirectPacketReader>(file_, index_);
     } else {
-        reader_ = std::make_unique<DemuxedPacketReader>(std::move(container), path, index_);
+        reader_ = std::make_unique<DemuxedPacketReader>(std::move(container), index_);
     }
-    return true;
 }
 
 /// What is shown before the first picture that decodes isn't shown at all: pictures that lead a first
@@ -183,20 +182,13 @@ bool FrameFetcher::isMissing(uint32_t frame) const {
 }
 
 FrameFetcher::Counters FrameFetcher::counters() const {
-    Counters sum;
-    auto const add = [&sum](LaneCounters const& lane, FrameDecoder const& decoder) {
-        sum.seeks += lane.seeks;
-        sum.packetsRead += lane.packetsRead;
-        sum.framesDecoded += decoder.decodedCount();
-    };
-    if (linear_) {
-        add(linear_->counters(), linear_->decoder());
-    }
-    if (intra_) {
-        add(intra_->counters(), intra_->decoder());
-    }
-    sum.shelfHits = shelfHits_;
-    return sum;
+    Counters counters;
+    counters.seeks = reader_->seekCount();
+    counters.packetsRead = reader_->readCount();
+    counters.framesDecoded = (linear_ ? linear_->decoder().decodedCount() : 0) +
+                             (intra_ ? intra_->decoder().decodedCount() : 0);
+    counters.shelfHits = shelfHits_;
+    return counters;
 }
 
 }  // namespace playfile_ffmpeg

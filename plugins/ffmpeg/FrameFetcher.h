@@ -53,7 +53,7 @@ private:
     FrameFetcher() = default;
 
     bool build(std::string const& path, std::string& error);
-    bool makeReader(std::unique_ptr<OpenContainer> container, std::string const& path, BuiltIndex const& built);
+    void makeReader(std::unique_ptr<OpenContainer> container, BuiltIndex const& built);
     bool showFirst(std::string& error);
     bool showFirstIntra(std::string& error);
     PicturePtr decode(uint32_t frame);

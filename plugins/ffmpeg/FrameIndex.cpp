@@ -97,6 +97,11 @@ uint32_t FrameIndex::endOfFrameAt(uint32_t packet) const {
     return end;
 }
 
+void FrameIndex::takeKeyMark(uint32_t packet) {
+    packets_[packet].isKey = false;
+    std::erase_if(keys_, [packet](KeyPacket const& key) { return key.packet == packet; });
+}
+
 void FrameIndex::hideFramesBefore(uint32_t frame) {
     for (PacketEntry& entry : packets_) {
         entry.frame = entry.frame < static_cast<int32_t>(frame) ? PacketEntry::notShown

@@ -58,6 +58,9 @@ public:
     uint32_t reorderDepth() const { return reorderDepth_; }
     bool isEveryPacketAKey() const { return isEveryPacketAKey_; }
 
+    /// Decoding no longer begins at this packet.
+    void takeKeyMark(uint32_t packet);
+
     /// Takes the frames before `frame` out of the numbering: they are coded, but nothing shows them.
     void hideFramesBefore(uint32_t frame);
 

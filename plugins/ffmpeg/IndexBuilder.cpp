@@ -172,12 +172,16 @@ bool seeksToLastFrame(OpenContainer& container) {
 
 std::optional<BuiltIndex> fromMxfDuration(OpenContainer& container) {
     AVStream const& stream = container.video();
-    if (!isIntraCoded(*stream.codecpar) || stream.duration <= 0 || stream.duration > mostFrames ||
-        !seeksToLastFrame(container)) {
+    int64_t const count = stream.duration;
+    if (!isIntraCoded(*stream.codecpar) || count <= 0 || count > mostFrames) {
         return std::nullopt;
     }
+    if (!seeksToLastFrame(container)) {
+        std::string error;
+        return container.reopen(error) ? std::nullopt : std::optional(BuiltIndex());
+    }
     BuiltIndex built;
-    built.packets.resize(static_cast<size_t>(stream.duration));
+    built.packets.resize(static_cast<size_t>(count));
     for (size_t number = 0; number < built.packets.size(); ++number) {
         built.packets[number].pts = static_cast<int64_t>(number);
         built.packets[number].isKey = true;

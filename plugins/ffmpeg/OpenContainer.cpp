@@ -14,6 +14,9 @@ constexpr int mostForeignPackets = 1 << 20;
 /// Containers whose headers state codec, size and configuration of each stream.
 constexpr std::array<char const*, 4> statingFormats = {"mov", "matroska", "mxf", "avi"};
 
+constexpr std::array<char const*, 13> rawFormats = {"h264", "hevc", "mpegvideo", "m4v",  "h261", "h263", "vc1",
+                                                    "dirac", "cavsvideo", "avs2", "avs3", "obu", "mjpeg"};
+
 class Options {
 public:
     Options() = default;
@@ -37,8 +40,13 @@ AVIOInterruptCB Deadline::callback() {
 }
 
 bool OpenContainer::open(std::string const& path, std::string& error) {
+    path_ = path;
+    return reopen(error);
+}
+
+bool OpenContainer::reopen(std::string& error) {
     deadline_.arm();
-    if (!openInput(path, error)) {
+    if (!openInput(error)) {
         return false;
     }
     bool const found = chooseVideo();
@@ -53,7 +61,7 @@ bool OpenContainer::open(std::string const& path, std::string& error) {
     return true;
 }
 
-bool OpenContainer::openInput(std::string const& path, std::string& error) {
+bool OpenContainer::openInput(std::string& error) {
     AVFormatContext* context = avformat_alloc_context();
     if (context == nullptr) {
         error = avErrorText(AVERROR(ENOMEM));
@@ -64,7 +72,7 @@ bool OpenContainer::openInput(std::string const& path, std::string& error) {
     // A file that names others must not reach the network, and a number sign is part of a name.
     options.set("protocol_whitelist", "file");
     options.set("pattern_type", "none");
-    int const code = avformat_open_input(&context, ("file:" + path).c_str(), nullptr, options.address());
+    int const code = avformat_open_input(&context, ("file:" + path_).c_str(), nullptr, options.address());
     if (code < 0) {
         error = "is in no known format: " + avErrorText(code);
         return false;
@@ -132,6 +140,10 @@ int OpenContainer::readVideoPacket(AVPacket& packet) {
 bool OpenContainer::isFormat(char const* name) const {
     std::string_view names = format_->iformat->name;
     return names == name || names.starts_with(std::string(name) + ",");
+}
+
+bool OpenContainer::isRawStream() const {
+    return std::any_of(rawFormats.begin(), rawFormats.end(), [this](char const* name) { return isFormat(name); });
 }
 
 bool OpenContainer::isStill() const {

@@ -44,19 +44,27 @@ public:
     bool isFormat(char const* name) const;
     bool isStill() const;
 
+    /// True if the container keeps a time of showing for each frame.
+    bool keepsExactTimes() const { return isFormat("mov") || isFormat("matroska") || isFormat("mxf"); }
+
+
     /// A stream without container: packets follow each other without anything between them.
-    bool isRawStream() const { return (format_->iformat->flags & AVFMT_NOTIMESTAMPS) != 0 && !isStill(); }
+    bool isRawStream() const;
+
+    /// Opens the same file again, to read from its beginning.
+    [[nodiscard]] bool reopen(std::string& error);
 
     Deadline& deadline() { return deadline_; }
 
 private:
-    bool openInput(std::string const& path, std::string& error);
+    bool openInput(std::string& error);
     bool statesWhatIsNeeded() const;
     bool probeStreams(std::string& error);
     bool chooseVideo();
     void discardOthers();
 
     Deadline deadline_;
+    std::string path_;
     AvPtr<AVFormatContext> format_;
     unsigned videoIndex_ = 0;
 };

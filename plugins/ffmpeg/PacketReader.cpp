@@ -18,12 +18,19 @@ uint64_t identityOf(int64_t position, uint64_t byteCount, uint32_t fingerprint) 
 
 }  // namespace
 
+bool PacketReader::read(uint32_t number, AVPacket& packet) {
+    ++readCount_;
+    seekCount_ += number != following_;
+    following_ = number + 1;
+    return readPacket(number, packet);
+}
+
 bool PacketReader::isMissing(uint32_t) const { return false; }
 
 DirectPacketReader::DirectPacketReader(std::shared_ptr<ByteFile const> file, FrameIndex const& index)
     : file_(std::move(file)), index_(index) {}
 
-bool DirectPacketReader::read(uint32_t number, AVPacket& packet) {
+bool DirectPacketReader::readPacket(uint32_t number, AVPacket& packet) {
     PacketEntry const& entry = index_.packet(number);
     int64_t const there = std::min<int64_t>(file_->byteCount() - entry.position, entry.byteCount);
     bool const isInFile = entry.position >= 0 && there > 0 && there <= std::numeric_limits<int>::max() - 64;
@@ -44,11 +51,14 @@ bool DirectPacketReader::isMissing(uint32_t number) const {
     return index_.packet(number).position >= file_->byteCount();
 }
 
-DemuxedPacketReader::DemuxedPacketReader(std::unique_ptr<OpenContainer> container, std::string path,
+DemuxedPacketReader::DemuxedPacketReader(std::unique_ptr<OpenContainer> container,
                                          FrameIndex const& index)
-    : container_(std::move(container)), path_(std::move(path)), index_(index) {}
+    : container_(std::move(container)), index_(index) {}
 
-bool DemuxedPacketReader::read(uint32_t number, AVPacket& packet) {
+bool DemuxedPacketReader::readPacket(uint32_t number, AVPacket& packet) {
+    if (!container_) {
+        return false;
+    }
     if (number == next_ && readNext(packet)) {
         return true;
     }
@@ -132,13 +142,11 @@ bool DemuxedPacketReader::goToStart() {
 }
 
 bool DemuxedPacketReader::reopen() {
-    auto fresh = std::make_unique<OpenContainer>();
     std::string error;
-    if (!fresh->open(path_, error)) {
-        return false;
+    if (!container_->reopen(error)) {
+        container_.reset();
     }
-    container_ = std::move(fresh);
-    return true;
+    return container_ != nullptr;
 }
 
 void DemuxedPacketReader::rememberIdentities() {
@@ -163,11 +171,6 @@ uint32_t DemuxedPacketReader::recognise(AVPacket const& packet) const {
     bool const isKnown = found != identities_.end() && found->first == identity;
     bool const isAmbiguous = isKnown && std::next(found) != identities_.end() && std::next(found)->first == identity;
     return isKnown && !isAmbiguous ? found->second : nowhere;
-}
-
-bool HeldPacketReader::read(uint32_t number, AVPacket& packet) {
-    av_packet_unref(&packet);
-    return number == 0 && av_packet_ref(&packet, packet_.get()) >= 0;
 }
 
 }  // namespace playfile_ffmpeg

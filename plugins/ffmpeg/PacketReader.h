@@ -21,10 +21,22 @@ public:
     virtual ~PacketReader() = default;
 
     /// Fills `packet` with packet `number`; false if the file doesn't hold it. May block on the file.
-    [[nodiscard]] virtual bool read(uint32_t number, AVPacket& packet) = 0;
+    [[nodiscard]] bool read(uint32_t number, AVPacket& packet);
 
     /// True if packet `number` is known to be missing, without a look into the file.
     virtual bool isMissing(uint32_t number) const;
+
+    /// How often the packet read wasn't the one after the last.
+    uint64_t seekCount() const { return seekCount_; }
+    uint64_t readCount() const { return readCount_; }
+
+protected:
+    [[nodiscard]] virtual bool readPacket(uint32_t number, AVPacket& packet) = 0;
+
+private:
+    uint32_t following_ = 0;
+    uint64_t seekCount_ = 0;
+    uint64_t readCount_ = 0;
 };
 
 /// Reads packets whose bytes lie in the file as the decoder wants them, without the container's help.
@@ -32,10 +44,11 @@ class DirectPacketReader : public PacketReader {
 public:
     DirectPacketReader(std::shared_ptr<ByteFile const> file, FrameIndex const& index);
 
-    [[nodiscard]] bool read(uint32_t number, AVPacket& packet) override;
     bool isMissing(uint32_t number) const override;
 
 private:
+    [[nodiscard]] bool readPacket(uint32_t number, AVPacket& packet) override;
+
     std::shared_ptr<ByteFile const> file_;
     FrameIndex const& index_;
 };
@@ -45,13 +58,12 @@ private:
 /// After a seek a packet counts only once it is recognised beyond doubt by place, length and content.
 class DemuxedPacketReader : public PacketReader {
 public:
-    DemuxedPacketReader(std::unique_ptr<OpenContainer> container, std::string path, FrameIndex const& index);
-
-    [[nodiscard]] bool read(uint32_t number, AVPacket& packet) override;
+    DemuxedPacketReader(std::unique_ptr<OpenContainer> container, FrameIndex const& index);
 
 private:
     static constexpr uint32_t nowhere = UINT32_MAX;
 
+    [[nodiscard]] bool readPacket(uint32_t number, AVPacket& packet) override;
     bool readNext(AVPacket& packet);
     bool readUpTo(uint32_t number, AVPacket& packet);
     bool goToBefore(uint32_t number);
@@ -61,21 +73,9 @@ private:
     void rememberIdentities();
 
     std::unique_ptr<OpenContainer> container_;
-    std::string path_;
     FrameIndex const& index_;
     uint32_t next_ = nowhere;  ///< Number of the packet that the container would bring next.
     std::vector<std::pair<uint64_t, uint32_t>> identities_;  ///< Sorted; empty until the first seek.
-};
-
-/// Holds the only packet of a still.
-class HeldPacketReader : public PacketReader {
-public:
-    explicit HeldPacketReader(AvPtr<AVPacket> packet) : packet_(std::move(packet)) {}
-
-    [[nodiscard]] bool read(uint32_t number, AVPacket& packet) override;
-
-private:
-    AvPtr<AVPacket> packet_;
 };
 
 }  // namespace playfile_ffmpeg

@@ -189,7 +189,7 @@ void addPictureFacts(StreamFacts& facts, AVFrame const& picture, AVCodecContext 
     }
 }
 
-void measureRates(StreamFacts& facts, FrameIndex const& index, AVRational stated) {
+void measureRates(StreamFacts& facts, FrameIndex const& index, AVRational stated, bool timesAreExact) {
     uint32_t const count = index.frameCount();
     bool const hasTimes = count > 1 && index.ptsOf(0) != AV_NOPTS_VALUE && index.ptsOf(count - 1) > index.ptsOf(0);
     if (!hasTimes) {
@@ -204,8 +204,9 @@ void measureRates(StreamFacts& facts, FrameIndex const& index, AVRational stated
         return;
     }
     AVRational const constant = constantRate(facts.timeBase, index, stated);
-    if (constant.num > 0) {
-        setConstant(facts, constant);
+    bool const isStatedBetter = !timesAreExact && isUsable(stated);
+    if (constant.num > 0 || isStatedBetter) {
+        setConstant(facts, constant.num > 0 ? constant : stated);
         return;
     }
     facts.hasConstantRate = false;

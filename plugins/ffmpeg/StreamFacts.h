@@ -73,7 +73,8 @@ StreamFacts factsOf(AVFormatContext const& format, AVStream const& video);
 void addPictureFacts(StreamFacts& facts, AVFrame const& picture, AVCodecContext const& decoder);
 
 /// Sets the rates from the times of all frames. `stated`: the rate that the container claims, if any.
-void measureRates(StreamFacts& facts, FrameIndex const& index, AVRational stated);
+/// `timesAreExact`: the container keeps a time of each frame; else a stated rate counts for more.
+void measureRates(StreamFacts& facts, FrameIndex const& index, AVRational stated, bool timesAreExact);
 
 /// 1..8 for a display matrix of whole quarter turns, with or without mirroring; 1 for any other.
 int orientationOf(int32_t const matrix[9]);
