@@ -10,7 +10,9 @@
 namespace playfile_ffmpeg {
 namespace {
 
-std::string systemText(int code) { return std::generic_category().message(code); }
+std::string systemText(int code) {
+    return std::generic_category().message(code);
+}
 
 }  // namespace
 

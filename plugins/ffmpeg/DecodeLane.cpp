@@ -39,7 +39,8 @@ DecodeLane::DecodeLane(FrameIndex& index, PacketReader& reader, std::unique_ptr<
 
 PicturePtr DecodeLane::fetch(uint32_t wanted, uint32_t keepFrom, PictureShelf& shelf) {
     Walk const goal{wanted, keepFrom};
-    PicturePtr picture = leadsTo(wanted) ? walk(goal, shelf) : walkFrom(index_.startPacketFor(wanted), goal, shelf);
+    PicturePtr picture =
+        leadsTo(wanted) ? walk(goal, shelf) : walkFrom(index_.startPacketFor(wanted), goal, shelf);
     uint32_t const start = std::min(startedAt_, index_.startPacketFor(wanted));
     if (!picture && startedAt_ > 0) {
         picture = walkFrom(index_.keyBefore(start), goal, shelf);
@@ -224,7 +225,7 @@ PicturePtr IntraLane::fetch(uint32_t wanted) {
     uint32_t const first = index_.packetOf(wanted);
     uint32_t const end = index_.endOfFrameAt(first);
     for (uint32_t number = first; number < end; ++number) {
-            if (reader_.read(number, *packet_)) {
+        if (reader_.read(number, *packet_)) {
             packet_->flags |= AV_PKT_FLAG_KEY;
             decoder_->send(*packet_, number, false);
         }

@@ -40,7 +40,8 @@ private:
     bool leadsTo(uint32_t wanted) const;
     void restartAt(uint32_t packet);
     PicturePtr walk(Walk const& goal, PictureShelf& shelf);
-    PicturePtr sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& goal, PictureShelf& shelf, bool& hasPassed);
+    PicturePtr sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& goal, PictureShelf& shelf,
+                    bool& hasPassed);
     bool isFalseStart(AVFrame const& frame, uint32_t number) const;
     void feedNext(Walk const& goal);
     bool isDroppable(PacketEntry const& entry, Walk const& goal);
@@ -54,13 +55,13 @@ private:
     NalFraming framing_;
     AvPtr<AVPacket> packet_;
     bool isRunning_ = false;
-    bool mayDrop_ = true;       ///< False from the first damage on, see fetch().
+    bool mayDrop_ = true;  ///< False from the first damage on, see fetch().
     bool isDropping_ = false;
-    bool hasDropped_ = false;   ///< Since the start.
+    bool hasDropped_ = false;  ///< Since the start.
     uint64_t errorsAtStart_ = 0;
     bool hasFalseStart_ = false;  ///< The packet it started at turned out not to be a key.
     uint32_t startedAt_ = 0;
-    uint32_t next_ = 0;         ///< The packet to be sent next.
+    uint32_t next_ = 0;  ///< The packet to be sent next.
     uint32_t lastFetched_ = 0;
     std::vector<uint32_t> inDecoder_;  ///< Frames whose packets were sent and that haven't come out.
 };

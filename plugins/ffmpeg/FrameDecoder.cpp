@@ -8,10 +8,13 @@ namespace {
 /// A decoder that reports one error after another without taking anything in is given up.
 constexpr int mostErrorsInARow = 64;
 
-bool can(AVCodec const& codec, int capability) { return (codec.capabilities & capability) != 0; }
+bool can(AVCodec const& codec, int capability) {
+    return (codec.capabilities & capability) != 0;
+}
 
 void chooseThreads(AVCodecContext& context, AVCodec const& codec, FrameDecoder::eThreading threading) {
-    bool const byFrame = threading == FrameDecoder::eThreading::throughput && can(codec, AV_CODEC_CAP_FRAME_THREADS);
+    bool const byFrame =
+        threading == FrameDecoder::eThreading::throughput && can(codec, AV_CODEC_CAP_FRAME_THREADS);
     context.thread_type = byFrame ? FF_THREAD_FRAME : FF_THREAD_SLICE;
     bool const useful = byFrame || can(codec, AV_CODEC_CAP_SLICE_THREADS | AV_CODEC_CAP_OTHER_THREADS);
     context.thread_count = useful ? 0 : 1;
@@ -54,7 +57,9 @@ void FrameDecoder::send(AVPacket& packet, uint32_t number, bool mayDrop) {
     errorCount_ += avcodec_send_packet(context_.get(), &packet) < 0;
 }
 
-void FrameDecoder::drain() { avcodec_send_packet(context_.get(), nullptr); }
+void FrameDecoder::drain() {
+    avcodec_send_packet(context_.get(), nullptr);
+}
 
 void FrameDecoder::reset() {
     avcodec_flush_buffers(context_.get());

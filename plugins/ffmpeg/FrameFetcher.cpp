@@ -156,10 +156,11 @@ uint32_t FrameFetcher::keepFrom(uint32_t frame) const {
 DecodeLane* FrameFetcher::linear() {
     if (!linear_) {
         std::string error;
-        auto decoder = FrameDecoder::open(*parameters_, index_.reorderDepth(), FrameDecoder::eThreading::throughput,
-                                          error);
+        auto decoder = FrameDecoder::open(*parameters_, index_.reorderDepth(),
+                                          FrameDecoder::eThreading::throughput, error);
         if (decoder) {
-            linear_ = std::make_unique<DecodeLane>(index_, *reader_, std::move(decoder), framingOf(*parameters_));
+            linear_ =
+                std::make_unique<DecodeLane>(index_, *reader_, std::move(decoder), framingOf(*parameters_));
         }
     }
     return linear_.get();
@@ -185,8 +186,8 @@ FrameFetcher::Counters FrameFetcher::counters() const {
     Counters counters;
     counters.seeks = reader_->seekCount();
     counters.packetsRead = reader_->readCount();
-    counters.framesDecoded = (linear_ ? linear_->decoder().decodedCount() : 0) +
-                             (intra_ ? intra_->decoder().decodedCount() : 0);
+    counters.framesDecoded =
+        (linear_ ? linear_->decoder().decodedCount() : 0) + (intra_ ? intra_->decoder().decodedCount() : 0);
     counters.shelfHits = shelfHits_;
     return counters;
 }

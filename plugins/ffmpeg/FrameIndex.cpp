@@ -11,7 +11,9 @@ constexpr uint32_t deepestReordering = 16;
 
 }  // namespace
 
-FrameIndex::FrameIndex(std::vector<PacketEntry> packets) : packets_(std::move(packets)) { rebuild(); }
+FrameIndex::FrameIndex(std::vector<PacketEntry> packets) : packets_(std::move(packets)) {
+    rebuild();
+}
 
 void FrameIndex::rebuild() {
     packetOfFrame_.clear();

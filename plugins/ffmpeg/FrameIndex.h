@@ -11,11 +11,11 @@ namespace playfile_ffmpeg {
 struct PacketEntry {
     static constexpr int32_t notShown = -1;
 
-    int64_t position = -1;                ///< Byte offset in the file; of what, depends on the container.
-    int64_t pts = AV_NOPTS_VALUE;         ///< Time of showing, in the stream's time base.
+    int64_t position = -1;         ///< Byte offset in the file; of what, depends on the container.
+    int64_t pts = AV_NOPTS_VALUE;  ///< Time of showing, in the stream's time base.
     uint32_t byteCount = 0;
-    uint32_t fingerprint = 0;             ///< Of the last bytes, if the packet was read; else 0.
-    int32_t frame = notShown;             ///< Number of the shown frame that begins with this packet.
+    uint32_t fingerprint = 0;  ///< Of the last bytes, if the packet was read; else 0.
+    int32_t frame = notShown;  ///< Number of the shown frame that begins with this packet.
     bool isKey = false;
 };
 
@@ -46,7 +46,9 @@ public:
     uint32_t startPacketFor(uint32_t frame) const;
 
     /// Number of the first key's frame; 0 if there is no key.
-    uint32_t firstKeyFrame() const { return keys_.empty() ? 0 : static_cast<uint32_t>(keys_.front().shownAt); }
+    uint32_t firstKeyFrame() const {
+        return keys_.empty() ? 0 : static_cast<uint32_t>(keys_.front().shownAt);
+    }
 
     /// The key packet before `packet`, which is one itself; 0 if there is none.
     uint32_t keyBefore(uint32_t packet) const;

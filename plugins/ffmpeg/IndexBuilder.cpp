@@ -130,7 +130,8 @@ bool isChunkThere(ByteFile const& file, PacketFacts const& packet) {
         return false;
     }
     uint32_t const byteCount = header[4] | static_cast<uint32_t>(header[5]) << 8 |
-                               static_cast<uint32_t>(header[6]) << 16 | static_cast<uint32_t>(header[7]) << 24;
+                               static_cast<uint32_t>(header[6]) << 16 |
+                               static_cast<uint32_t>(header[7]) << 24;
     return byteCount == packet.byteCount;
 }
 
@@ -222,7 +223,8 @@ BuiltIndex fromScan(OpenContainer& container, ByteFile const& file) {
     if (container.isFormat("mxf")) {
         hidePadding(container.video(), built.packets);
     }
-    bool const mayLieInFile = container.isRawStream() || container.isFormat("mov") || container.isFormat("avi");
+    bool const mayLieInFile =
+        container.isRawStream() || container.isFormat("mov") || container.isFormat("avi");
     built.liesInFile = mayLieInFile && !mayHavePalette(*container.video().codecpar) &&
                        samplesAreAsScanned(file, built.packets);
     return built;

@@ -27,7 +27,9 @@ uint32_t be32(Bytes bytes, size_t at) {
            static_cast<uint32_t>(bytes[at + 2]) << 8 | static_cast<uint32_t>(bytes[at + 3]);
 }
 
-uint64_t be64(Bytes bytes, size_t at) { return static_cast<uint64_t>(be32(bytes, at)) << 32 | be32(bytes, at + 4); }
+uint64_t be64(Bytes bytes, size_t at) {
+    return static_cast<uint64_t>(be32(bytes, at)) << 32 | be32(bytes, at + 4);
+}
 
 struct Box {
     uint32_t type = 0;
@@ -104,7 +106,9 @@ uint32_t trackIdOf(Bytes track) {
 /// Reads the tables of one track into a MovSampleTables.
 class MovTrackParser {
 public:
-    MovTrackParser(Bytes tables, bool isFragmented) : tables_(tables) { result_.isFragmented_ = isFragmented; }
+    MovTrackParser(Bytes tables, bool isFragmented) : tables_(tables) {
+        result_.isFragmented_ = isFragmented;
+    }
 
     std::optional<MovSampleTables> parse() {
         result_.descriptionCount_ = be32(childBox(tables_, fourcc("stsd")), fullBoxHeader);
@@ -155,13 +159,15 @@ private:
                 ++run;
             }
             size_t const at = 8 + size_t{chunk} * width;
-            placeChunk(width == 8 ? be64(chunks, at) : be32(chunks, at), be32(runs, 8 + size_t{run} * 12 + 4));
+            placeChunk(width == 8 ? be64(chunks, at) : be32(chunks, at),
+                       be32(runs, 8 + size_t{run} * 12 + 4));
         }
         return result_.positions_.size() == result_.sizes_.size();
     }
 
     void placeChunk(uint64_t position, uint32_t sampleCount) {
-        for (uint32_t left = sampleCount; left > 0 && result_.positions_.size() < result_.sizes_.size(); --left) {
+        for (uint32_t left = sampleCount; left > 0 && result_.positions_.size() < result_.sizes_.size();
+             --left) {
             uint32_t const size = result_.sizes_[result_.positions_.size()];
             result_.positions_.push_back(static_cast<int64_t>(position));
             position += size;

@@ -14,8 +14,9 @@ constexpr int mostForeignPackets = 1 << 20;
 /// Containers whose headers state codec, size and configuration of each stream.
 constexpr std::array<char const*, 4> statingFormats = {"mov", "matroska", "mxf", "avi"};
 
-constexpr std::array<char const*, 13> rawFormats = {"h264", "hevc", "mpegvideo", "m4v",  "h261", "h263", "vc1",
-                                                    "dirac", "cavsvideo", "avs2", "avs3", "obu", "mjpeg"};
+constexpr std::array<char const*, 13> rawFormats = {"h264", "hevc", "mpegvideo", "m4v",       "h261",
+                                                    "h263", "vc1",  "dirac",     "cavsvideo", "avs2",
+                                                    "avs3", "obu",  "mjpeg"};
 
 class Options {
 public:
@@ -31,7 +32,9 @@ private:
     AVDictionary* dictionary_ = nullptr;
 };
 
-bool isCoverPicture(AVStream const& stream) { return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0; }
+bool isCoverPicture(AVStream const& stream) {
+    return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
+}
 
 }  // namespace
 
@@ -143,7 +146,8 @@ bool OpenContainer::isFormat(char const* name) const {
 }
 
 bool OpenContainer::isRawStream() const {
-    return std::any_of(rawFormats.begin(), rawFormats.end(), [this](char const* name) { return isFormat(name); });
+    return std::any_of(rawFormats.begin(), rawFormats.end(),
+                       [this](char const* name) { return isFormat(name); });
 }
 
 bool OpenContainer::isStill() const {

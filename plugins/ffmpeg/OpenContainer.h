@@ -47,7 +47,6 @@ public:
     /// True if the container keeps a time of showing for each frame.
     bool keepsExactTimes() const { return isFormat("mov") || isFormat("matroska") || isFormat("mxf"); }
 
-
     /// A stream without container: packets follow each other without anything between them.
     bool isRawStream() const;
 

@@ -85,8 +85,9 @@ std::optional<Keys> keysByPictureType(std::vector<PacketFacts> const& facts, Sho
 std::vector<PacketEntry> entriesOf(std::vector<PacketFacts> const& facts) {
     std::vector<PacketEntry> entries(facts.size());
     std::transform(facts.begin(), facts.end(), entries.begin(), [](PacketFacts const& packet) {
-        return PacketEntry{packet.position, packet.pts == AV_NOPTS_VALUE ? packet.dts : packet.pts,
-                           packet.byteCount, packet.fingerprint, PacketEntry::notShown, packet.isKey};
+        return PacketEntry{packet.position,       packet.pts == AV_NOPTS_VALUE ? packet.dts : packet.pts,
+                           packet.byteCount,      packet.fingerprint,
+                           PacketEntry::notShown, packet.isKey};
     });
     return entries;
 }

@@ -17,12 +17,12 @@ struct PacketFacts {
     int64_t dts = AV_NOPTS_VALUE;
     uint32_t byteCount = 0;
     uint32_t fingerprint = 0;
-    int32_t pictureOrder = 0;           ///< Order of showing within the coded sequence.
+    int32_t pictureOrder = 0;  ///< Order of showing within the coded sequence.
     bool isKey = false;
-    bool isCutOff = false;              ///< Outside the edit list: decoded, not shown.
-    bool isHidden = false;              ///< Coded to be referred to, never shown.
-    bool isSecondField = false;         ///< Completes the frame that an earlier packet began.
-    bool beginsSequence = false;        ///< Picture order counts anew from here on.
+    bool isCutOff = false;        ///< Outside the edit list: decoded, not shown.
+    bool isHidden = false;        ///< Coded to be referred to, never shown.
+    bool isSecondField = false;   ///< Completes the frame that an earlier packet began.
+    bool beginsSequence = false;  ///< Picture order counts anew from here on.
     bool hasPictureOrder = false;
     ePicture picture = ePicture::unknown;
 };

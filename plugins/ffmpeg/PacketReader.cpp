@@ -25,7 +25,9 @@ bool PacketReader::read(uint32_t number, AVPacket& packet) {
     return readPacket(number, packet);
 }
 
-bool PacketReader::isMissing(uint32_t) const { return false; }
+bool PacketReader::isMissing(uint32_t) const {
+    return false;
+}
 
 DirectPacketReader::DirectPacketReader(std::shared_ptr<ByteFile const> file, FrameIndex const& index)
     : file_(std::move(file)), index_(index) {}
@@ -51,8 +53,7 @@ bool DirectPacketReader::isMissing(uint32_t number) const {
     return index_.packet(number).position >= file_->byteCount();
 }
 
-DemuxedPacketReader::DemuxedPacketReader(std::unique_ptr<OpenContainer> container,
-                                         FrameIndex const& index)
+DemuxedPacketReader::DemuxedPacketReader(std::unique_ptr<OpenContainer> container, FrameIndex const& index)
     : container_(std::move(container)), index_(index) {}
 
 bool DemuxedPacketReader::readPacket(uint32_t number, AVPacket& packet) {
@@ -86,7 +87,8 @@ bool DemuxedPacketReader::readNext(AVPacket& packet) {
     }
     PacketEntry const& entry = index_.packet(expected);
     bool const isScanned = entry.byteCount != 0;
-    bool const fits = isScanned ? static_cast<uint32_t>(packet.size) == entry.byteCount : packet.pts == entry.pts;
+    bool const fits =
+        isScanned ? static_cast<uint32_t>(packet.size) == entry.byteCount : packet.pts == entry.pts;
     if (fits && expected + 1 < index_.packetCount()) {
         next_ = expected + 1;
     }
@@ -127,7 +129,8 @@ bool DemuxedPacketReader::goToBefore(uint32_t number) {
     if (seeksByPlace) {
         return av_seek_frame(&format, stream, entry.position, AVSEEK_FLAG_BYTE) >= 0;
     }
-    return entry.pts != AV_NOPTS_VALUE && av_seek_frame(&format, stream, entry.pts, AVSEEK_FLAG_BACKWARD) >= 0;
+    return entry.pts != AV_NOPTS_VALUE &&
+           av_seek_frame(&format, stream, entry.pts, AVSEEK_FLAG_BACKWARD) >= 0;
 }
 
 bool DemuxedPacketReader::goToStart() {
@@ -154,10 +157,9 @@ void DemuxedPacketReader::rememberIdentities() {
     for (uint32_t number = 0; number < index_.packetCount(); ++number) {
         PacketEntry const& entry = index_.packet(number);
         bool const isScanned = entry.byteCount != 0;
-        identities_.emplace_back(
-            isScanned ? identityOf(entry.position, entry.byteCount, entry.fingerprint)
-                      : identityOf(entry.pts, 0, 0),
-            number);
+        identities_.emplace_back(isScanned ? identityOf(entry.position, entry.byteCount, entry.fingerprint)
+                                           : identityOf(entry.pts, 0, 0),
+                                 number);
     }
     std::sort(identities_.begin(), identities_.end());
 }
@@ -169,7 +171,8 @@ uint32_t DemuxedPacketReader::recognise(AVPacket const& packet) const {
                   : identityOf(packet.pts, 0, 0);
     auto const found = std::lower_bound(identities_.begin(), identities_.end(), std::pair(identity, 0U));
     bool const isKnown = found != identities_.end() && found->first == identity;
-    bool const isAmbiguous = isKnown && std::next(found) != identities_.end() && std::next(found)->first == identity;
+    bool const isAmbiguous =
+        isKnown && std::next(found) != identities_.end() && std::next(found)->first == identity;
     return isKnown && !isAmbiguous ? found->second : nowhere;
 }
 

@@ -8,7 +8,9 @@ namespace {
 
 constexpr size_t fingerprintedByteCount = 64;
 
-Bytes bytesOf(AVPacket const& packet) { return Bytes(packet.data, static_cast<size_t>(packet.size)); }
+Bytes bytesOf(AVPacket const& packet) {
+    return Bytes(packet.data, static_cast<size_t>(packet.size));
+}
 
 PacketFacts::ePicture pictureOf(int type) {
     switch (type) {
@@ -25,7 +27,8 @@ PacketFacts::ePicture pictureOf(int type) {
 
 PacketInspector::PacketInspector(AVCodecParameters const& parameters)
     : codec_(parameters.codec_id),
-      framing_(NalFraming::of(codec_, Bytes(parameters.extradata, static_cast<size_t>(parameters.extradata_size)))) {
+      framing_(NalFraming::of(codec_,
+                              Bytes(parameters.extradata, static_cast<size_t>(parameters.extradata_size)))) {
     if (!codecReorders(codec_)) {
         return;
     }

@@ -5,7 +5,9 @@
 namespace playfile_ffmpeg {
 namespace {
 
-uint32_t distance(uint32_t a, uint32_t b) { return a < b ? b - a : a - b; }
+uint32_t distance(uint32_t a, uint32_t b) {
+    return a < b ? b - a : a - b;
+}
 
 }  // namespace
 
@@ -23,9 +25,10 @@ void PictureShelf::put(uint32_t frame, PicturePtr picture, uint32_t wanted) {
     capacity_ = std::clamp(mostBytes / bytes, fewestPictures, mostPictures);
     pictures_.emplace_back(frame, std::move(picture));
     while (pictures_.size() > capacity_) {
-        pictures_.erase(std::max_element(pictures_.begin(), pictures_.end(), [&](auto const& a, auto const& b) {
-            return distance(a.first, wanted) < distance(b.first, wanted);
-        }));
+        pictures_.erase(
+            std::max_element(pictures_.begin(), pictures_.end(), [&](auto const& a, auto const& b) {
+                return distance(a.first, wanted) < distance(b.first, wanted);
+            }));
     }
 }
 

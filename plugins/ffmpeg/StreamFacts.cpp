@@ -77,7 +77,9 @@ AVRational exactRate(AVRational timeBase, int64_t frames, int64_t ticks) {
     return rate;
 }
 
-bool isUsable(AVRational rate) { return rate.num > 0 && rate.den > 0 && av_q2d(rate) <= 1000.0; }
+bool isUsable(AVRational rate) {
+    return rate.num > 0 && rate.den > 0 && av_q2d(rate) <= 1000.0;
+}
 
 struct Gaps {
     int64_t shortest = INT64_MAX;
@@ -111,9 +113,19 @@ AVRational constantRate(AVRational timeBase, FrameIndex const& index, AVRational
     if (isUsable(stated) && fits(stated, timeBase, index)) {
         return stated;
     }
-    static constexpr std::array<AVRational, 13> usual = {{{24000, 1001}, {24, 1}, {25, 1}, {30000, 1001},
-                                                          {30, 1}, {48, 1}, {50, 1}, {60000, 1001}, {60, 1},
-                                                          {15, 1}, {15000, 1001}, {12, 1}, {10, 1}}};
+    static constexpr std::array<AVRational, 13> usual = {{{24000, 1001},
+                                                          {24, 1},
+                                                          {25, 1},
+                                                          {30000, 1001},
+                                                          {30, 1},
+                                                          {48, 1},
+                                                          {50, 1},
+                                                          {60000, 1001},
+                                                          {60, 1},
+                                                          {15, 1},
+                                                          {15000, 1001},
+                                                          {12, 1},
+                                                          {10, 1}}};
     for (AVRational const rate : usual) {
         if (fits(rate, timeBase, index)) {
             return rate;
@@ -143,8 +155,8 @@ StreamFacts factsOf(AVFormatContext const& format, AVStream const& video) {
     facts.bitRate = parameters.bit_rate > 0 ? parameters.bit_rate : format.bit_rate;
     facts.colour = {parameters.color_primaries, parameters.color_trc, parameters.color_space,
                     parameters.color_range, parameters.chroma_location};
-    AVRational const aspect = video.sample_aspect_ratio.num > 0 ? video.sample_aspect_ratio
-                                                                : parameters.sample_aspect_ratio;
+    AVRational const aspect =
+        video.sample_aspect_ratio.num > 0 ? video.sample_aspect_ratio : parameters.sample_aspect_ratio;
     if (aspect.num > 0 && aspect.den > 0) {
         facts.sampleAspect = aspect;
     }
@@ -168,7 +180,8 @@ void addPictureFacts(StreamFacts& facts, AVFrame const& picture, AVCodecContext 
     char const* profile = avcodec_profile_name(decoder.codec_id, decoder.profile);
     facts.profile = profile != nullptr ? profile : "";
     ColourFacts& colour = facts.colour;
-    colour.primaries = picture.color_primaries != AVCOL_PRI_UNSPECIFIED ? picture.color_primaries : colour.primaries;
+    colour.primaries =
+        picture.color_primaries != AVCOL_PRI_UNSPECIFIED ? picture.color_primaries : colour.primaries;
     colour.transfer = picture.color_trc != AVCOL_TRC_UNSPECIFIED ? picture.color_trc : colour.transfer;
     colour.matrix = picture.colorspace != AVCOL_SPC_UNSPECIFIED ? picture.colorspace : colour.matrix;
     colour.range = picture.color_range != AVCOL_RANGE_UNSPECIFIED ? picture.color_range : colour.range;
@@ -191,7 +204,8 @@ void addPictureFacts(StreamFacts& facts, AVFrame const& picture, AVCodecContext 
 
 void measureRates(StreamFacts& facts, FrameIndex const& index, AVRational stated, bool timesAreExact) {
     uint32_t const count = index.frameCount();
-    bool const hasTimes = count > 1 && index.ptsOf(0) != AV_NOPTS_VALUE && index.ptsOf(count - 1) > index.ptsOf(0);
+    bool const hasTimes =
+        count > 1 && index.ptsOf(0) != AV_NOPTS_VALUE && index.ptsOf(count - 1) > index.ptsOf(0);
     if (!hasTimes) {
         setConstant(facts, isUsable(stated) ? stated : AVRational{25, 1});
         return;

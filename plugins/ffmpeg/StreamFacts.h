@@ -27,7 +27,7 @@ struct AudioStreamFacts {
     std::string language;
     int channels = 0;
     int sampleRate = 0;
-    int bitsPerSample = 0;  ///< 0 where the coding has no such number.
+    int bitsPerSample = 0;    ///< 0 where the coding has no such number.
     int64_t sampleCount = 0;  ///< As the container states it; 0 if it doesn't.
 };
 
