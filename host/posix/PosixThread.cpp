@@ -1,20 +1,23 @@
 #include "host/posix/PosixThread.h"
 
-#include <limits.h>
+#include <cxxabi.h>
 #include <sched.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <climits>
 #include <exception>
 #include <memory>
-#include <string>
+
+#include "host/posix/PosixErrors.h"
 
 namespace {
 
 /// Longest name that the kernel keeps of a thread.
-constexpr std::size_t kernelNameLength = 15;
+constexpr std::uint32_t kernelNameLength = 15;
 /// A background thread gives way by this much; a thread may always lower itself.
 constexpr int backgroundNice = 1;
 
@@ -55,6 +58,18 @@ private:
     pthread_attr_t attributes_;
 };
 
+/// Cut where a character begins.
+LightweightString<char> kernelName(LightweightString<char> const& name) {
+    auto const isInsideCharacter = [&name](std::uint32_t at) {
+        return (static_cast<unsigned char>(name[at]) & 0xC0) == 0x80;
+    };
+    std::uint32_t length = std::min(name.length(), kernelNameLength);
+    while (length != 0 && length < name.length() && isInsideCharacter(length)) {
+        --length;
+    }
+    return LightweightString<char>(name.c_str(), length);
+}
+
 }  // namespace
 
 PosixThread::~PosixThread() {
@@ -66,7 +81,9 @@ PosixThread::~PosixThread() {
 bool PosixThread::start(Ox::Ptr<PosixThread> const& self) {
     ThreadAttributes const attributes(description_.stackSize);
     auto held = std::make_unique<Ox::Ptr<PosixThread>>(self);
-    if (pthread_create(&handle_, attributes.get(), &PosixThread::run, held.get()) != 0) {
+    int const error = pthread_create(&handle_, attributes.get(), &PosixThread::run, held.get());
+    if (error != 0) {
+        keepSystemError(error);
         return false;
     }
     static_cast<void>(held.release());
@@ -79,11 +96,11 @@ void* PosixThread::run(void* argument) {
     std::unique_ptr<Ox::Ptr<PosixThread>> const held(static_cast<Ox::Ptr<PosixThread>*>(argument));
     PosixThread& self = **held;
     currentThread = &self;
-    self.kernelId_ = thisKernelId();
-    std::string const name(self.description_.name.view().substr(0, kernelNameLength));
-    pthread_setname_np(pthread_self(), name.c_str());
+    self.setKernelId(thisKernelId());
+    pthread_setname_np(pthread_self(), kernelName(self.description_.name).c_str());
     self.started_.set();
     self.runEntry();
+    self.setKernelId(0);
     self.ended_.set();
     return nullptr;
 }
@@ -96,39 +113,61 @@ void PosixThread::runEntry() {
     }
     try {
         description_.entry(description_.argument);
+    } catch (abi::__forced_unwind const&) {
+        throw;  // the C library ends the thread
     } catch (std::exception const& exception) {
-        description_.exceptionHandler({description_.name, LightweightString<char>(exception.what())});
+        hadException(exception.what());
     } catch (...) {
-        description_.exceptionHandler({description_.name, LightweightString<char>("unknown exception")});
+        hadException("unknown exception");
     }
 }
 
-/// A new thread runs at the process's own priority, so there is nothing to do for a normal one.
+void PosixThread::hadException(char const* message) {
+    description_.exceptionHandler({description_.name, LightweightString<char>(message)});
+}
+
+void PosixThread::setKernelId(pid_t kernelId) {
+    std::lock_guard const scope(kernelIdLock_);
+    kernelId_ = kernelId;
+}
+
+/// False if the thread has ended.
+template <class Function>
+bool PosixThread::withKernelId(Function const& function) {
+    std::lock_guard const scope(kernelIdLock_);
+    return kernelId_ != 0 && function(kernelId_);
+}
+
+/// A thread begins with the priority of the one that made it, so there is something to do for a normal
+/// one too.
 bool PosixThread::setPriority(ePriority priority) {
-    if (priority != background) {
-        return true;
-    }
-    auto const id = static_cast<id_t>(kernelId_);
-    int const nice = std::min(getpriority(PRIO_PROCESS, 0) + backgroundNice, PRIO_MAX - 1);
-    return setpriority(PRIO_PROCESS, id, nice) == 0;
+    int const ofProcess = getpriority(PRIO_PROCESS, static_cast<id_t>(getpid()));
+    int const nice = std::min(ofProcess + (priority == background ? backgroundNice : 0), PRIO_MAX - 1);
+    return withKernelId([nice](pid_t kernelId) {
+        bool const isDone = setpriority(PRIO_PROCESS, static_cast<id_t>(kernelId), nice) == 0;
+        return isDone || errno == EPERM || errno == EACCES;
+    });
 }
 
+/// Any processor means those that the process began with, or was given since.
 void PosixThread::setAffinity(int mask) {
-    if (mask == -1) {
-        return;
-    }
     cpu_set_t processors;
     CPU_ZERO(&processors);
-    for (int bit = 0; bit < static_cast<int>(sizeof(mask) * CHAR_BIT); ++bit) {
+    if (mask == -1) {
+        sched_getaffinity(getpid(), sizeof(processors), &processors);
+    }
+    for (unsigned bit = 0; mask != -1 && bit < sizeof(mask) * CHAR_BIT; ++bit) {
         if ((static_cast<unsigned>(mask) >> bit & 1U) != 0) {
             CPU_SET(bit, &processors);
         }
     }
-    sched_setaffinity(kernelId_, sizeof(processors), &processors);
+    withKernelId([&processors](pid_t kernelId) {
+        return sched_setaffinity(kernelId, sizeof(processors), &processors) == 0;
+    });
 }
 
 bool PosixThread::waitForEnd(std::uint32_t waitMs) {
-    if (ended_.wait(waitMs) == iThreadEvent::timedOut) {
+    if (isThisThread() || ended_.wait(waitMs) == iThreadEvent::timedOut) {
         return false;
     }
     std::lock_guard const scope(joinLock_);

@@ -29,9 +29,11 @@ public:
     /// Added to a system error number, so that none of them looks like success.
     static constexpr OxResult systemErrorBase = 10000;
 
-    /// The last error as a result code: the system's number plus `systemErrorBase`.
+    /// The reason of the last operation of the file manager, a file or the thread service that failed on
+    /// this thread, whatever has succeeded since: the system's number plus `systemErrorBase`. 0 if none
+    /// has failed yet.
     [[nodiscard]] virtual OxResult getLastError() const = 0;
-    /// Its text for people.
+    /// Its text for people; empty if none has failed yet.
     [[nodiscard]] virtual LightweightString<wchar_t> getLastErrorText() const = 0;
 
 protected:

@@ -8,24 +8,35 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <cerrno>
+
+#include "ole/os/ThreadNumber.h"
+
 namespace {
 
 constexpr std::uint32_t lockFree = 0;
 constexpr std::uint32_t lockHeld = 1;
 constexpr std::uint32_t lockContended = 2;
 
-/// A number of its own for each thread of the process, from 1.
-std::uint32_t thisThreadNumber() noexcept {
-    static constinit std::atomic<std::uint32_t> lastNumber{0};
-    thread_local std::uint32_t const number = lastNumber.fetch_add(1, std::memory_order_relaxed) + 1;
-    return number;
-}
+/// Puts errno back at the end: to wait for a lock isn't an operation whose failure anybody asks for.
+class KeptErrno {
+public:
+    KeptErrno() noexcept : kept_(errno) {}
+    ~KeptErrno() { errno = kept_; }
+    KeptErrno(KeptErrno const&) = delete;
+    KeptErrno& operator=(KeptErrno const&) = delete;
+
+private:
+    int const kept_;
+};
 
 void sleepWhile(std::atomic<std::uint32_t>& word, std::uint32_t value) noexcept {
+    KeptErrno const kept;
     syscall(SYS_futex, &word, FUTEX_WAIT_PRIVATE, value, nullptr, nullptr, 0);
 }
 
 void wakeOne(std::atomic<std::uint32_t>& word) noexcept {
+    KeptErrno const kept;
     syscall(SYS_futex, &word, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
 }
 
@@ -38,7 +49,7 @@ void takeContended(std::atomic<std::uint32_t>& word) noexcept {
 }  // namespace
 
 void CriticalSection::enter() noexcept {
-    std::uint32_t const self = thisThreadNumber();
+    std::uint32_t const self = currentThreadNumber();
     if (owner_.load(std::memory_order_relaxed) == self) {
         ++depth_;
         return;
@@ -64,5 +75,5 @@ void CriticalSection::leave() noexcept {
 }
 
 bool CriticalSection::isHeldByThisThread() const noexcept {
-    return owner_.load(std::memory_order_relaxed) == thisThreadNumber();
+    return owner_.load(std::memory_order_relaxed) == currentThreadNumber();
 }

@@ -1,54 +1,35 @@
 #include "ole/os/Reclaimable.h"
 
-#include <algorithm>
-#include <vector>
-
+#include "ole/os/CallList.h"
 #include "ole/os/Immortal.h"
-#include "ole/os/Locks.h"
+
+// No lock is held while a member is called: it may wait for a lock whose holder asks all members to give
+// memory back, or for the end of another member.
 
 namespace {
 
-/// The enrolled. The lock is held while they are called, so that none of them goes in the call; it is
-/// re-entrant, and takes no part in the lock order because it comes before every lock of its members.
-struct Members {
-    CriticalSection lock;
-    std::vector<Reclaimable*> list;
-
-    void callEach(void (Reclaimable::*operation)()) {
-        ScopedLock const scope(lock);
-        std::vector<Reclaimable*> const snapshot = list;
-        for (Reclaimable* const member : snapshot) {
-            if (std::find(list.begin(), list.end(), member) != list.end()) {
-                (member->*operation)();
-            }
-        }
-    }
-};
-
-Members& members() {
-    return immortal<Members>();
+CallList<Reclaimable*>& members() {
+    return immortal<CallList<Reclaimable*>>();
 }
 
 }  // namespace
 
 void Reclaimable::limitAll() {
-    members().callEach(&Reclaimable::limitUsage);
+    members().forEach([](Reclaimable* member) { member->limitUsage(); });
 }
 
 void Reclaimable::purgeAll() {
-    members().callEach(&Reclaimable::purge);
+    members().forEach([](Reclaimable* member) { member->purge(); });
 }
 
 void Reclaimable::reportAll() {
-    members().callEach(&Reclaimable::reportUsage);
+    members().forEach([](Reclaimable* member) { member->reportUsage(); });
 }
 
 void Reclaimable::enrol() {
-    ScopedLock const scope(members().lock);
-    members().list.push_back(this);
+    members().add(this);
 }
 
 void Reclaimable::withdraw() {
-    ScopedLock const scope(members().lock);
-    std::erase(members().list, this);
+    members().remove(members().idOf(this));
 }

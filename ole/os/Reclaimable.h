@@ -9,8 +9,8 @@
 /// Ownership  The registry doesn't own its members. A derived class calls `enrol` at the end of its
 ///            constructor and `withdraw` at the start of its destructor, so that no call meets half
 ///            an object.
-/// Threads    The three virtual operations are called on any thread, with no lock of the toolkit that
-///            another thread could be waiting for, except in `withdraw`.
+/// Threads    The three virtual operations are called on any thread, several at once, without a lock of
+///            the toolkit.
 class Reclaimable : public virtual iVirtual {
 public:
     /// Gives back all that nobody uses.
@@ -26,6 +26,7 @@ public:
 
 protected:
     void enrol();
-    /// After it returns no call is under way or to come.
+    /// After it returns no call is under way on another thread or to come. It may be called from inside
+    /// a call.
     void withdraw();
 };
