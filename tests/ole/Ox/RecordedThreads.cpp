@@ -103,9 +103,9 @@ private:
 /// The system is never destroyed, as a thread may still be on its way out of it.
 RecordedThreads::RecordedThreads()
     : systemBefore_(OS()), real_(systemBefore_->getThreads()), expiry_(real_.makeEvent(false, false, 0)) {
-    static std::vector<System*> systems;
-    systems.push_back(new System(*systemBefore_, *this));
-    installOS(systems.back());
+    static auto* const systems = new std::vector<System*>();
+    systems->push_back(new System(*systemBefore_, *this));
+    installOS(systems->back());
 }
 
 RecordedThreads::~RecordedThreads() {
