@@ -37,6 +37,7 @@ public:
     /// @param sizeMax  files that may be open before another is opened; as an unsigned number, so that
     ///                 a negative one never closes anything
     PlayFileCache(int sizeMin, int sizeMax) : PlayFileCache(sizeMin, sizeMax, eLockRank::fileCache) {}
+    /// Closes all files: the finished reads that a file's queue keeps hold the file, which holds the queue.
     ~PlayFileCache() override;
     PlayFileCache(PlayFileCache const&) = delete;
     PlayFileCache& operator=(PlayFileCache const&) = delete;

@@ -30,6 +30,7 @@ PlayFileCache::PlayFileCache(int sizeMin, int sizeMax, eLockRank rank)
 PlayFileCache::~PlayFileCache() {
     withdraw();
     listeners_.clear();
+    closeAll();
 }
 
 Ox::Ptr<FileReadInstance> PlayFileCache::open(LightweightString<wchar_t> const& filename,
