@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "plugins/ffmpeg/FFmpegReader.h"
+#include "plugins/ffmpeg/FFmpegSoundFile.h"
 #include "toolkit/plugins/Plugin.h"
 #include "toolkit/services/Log.h"
 
@@ -23,6 +24,11 @@ public:
         try {
             if (Ox::Ptr<FFmpegReader> const reader = FFmpegReader::open(filename, format, type, error)) {
                 return reader;
+            }
+            std::string soundError;
+            if (Ox::Ptr<FFmpegSoundFile> const file =
+                    FFmpegSoundFile::open(filename, format, type, soundError)) {
+                return file;
             }
         } catch (std::exception const& exception) {
             error = exception.what();

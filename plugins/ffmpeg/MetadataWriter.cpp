@@ -132,6 +132,20 @@ void describe(FrameFetcher const& fetcher, PlayFileMetadataRep& metadata) {
         EditLabel(LightweightString<char>(facts.reel), LightweightString<char>(facts.startTimecode));
 }
 
+void describeSound(StreamFacts const& facts, PlayFileMetadataRep& metadata) {
+    configb& config = metadata.extraConfig;
+    set(config, "container", facts.format);
+    set(config, "codec", facts.codec);
+    set(config, "bitRate", facts.bitRate > 0 ? std::to_string(facts.bitRate) : "");
+    for (auto const& [key, value] : facts.tags) {
+        set(config, "tag." + key, value);
+    }
+    describeAudio(facts, metadata);
+    describeCoverArt(facts, config);
+    metadata.editLabel =
+        EditLabel(LightweightString<char>(facts.reel), LightweightString<char>(facts.startTimecode));
+}
+
 double timeOfFrame(FrameFetcher const& fetcher, std::uint32_t frame) {
     FrameIndex const& index = fetcher.index();
     int64_t const first = index.ptsOf(0);

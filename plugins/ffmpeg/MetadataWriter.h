@@ -11,6 +11,9 @@ namespace playfile_ffmpeg {
 /// `coverArt.N.codec`, `.width`, `.height` and `.data` (base 64).
 void describe(FrameFetcher const& fetcher, PlayFileMetadataRep& metadata);
 
+/// The same for a file of sound alone: what isn't about pictures.
+void describeSound(StreamFacts const& facts, PlayFileMetadataRep& metadata);
+
 /// Seconds of a frame from the first one.
 double timeOfFrame(FrameFetcher const& fetcher, std::uint32_t frame);
 

@@ -47,6 +47,19 @@ bool OpenContainer::open(std::string const& path, std::string& error) {
     return reopen(error);
 }
 
+bool OpenContainer::openForSound(std::string const& path, std::string& error) {
+    path_ = path;
+    deadline_.arm();
+    if (!openInput(error) || !probeStreams(error)) {
+        return false;
+    }
+    if (chooseVideo() || !chooseSound()) {
+        error = "holds neither a readable picture nor sound alone";
+        return false;
+    }
+    return true;
+}
+
 bool OpenContainer::reopen(std::string& error) {
     deadline_.arm();
     if (!openInput(error)) {
@@ -108,6 +121,16 @@ bool OpenContainer::chooseVideo() {
         AVStream const& stream = *format_->streams[index];
         if (stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO && !isCoverPicture(stream)) {
             videoIndex_ = index;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool OpenContainer::chooseSound() {
+    for (unsigned index = 0; index < format_->nb_streams; ++index) {
+        if (format_->streams[index]->codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {
+            soundIndex_ = index;
             return true;
         }
     }

@@ -35,8 +35,13 @@ public:
     /// False with the reason in `error`. May block on the file.
     [[nodiscard]] bool open(std::string const& path, std::string& error);
 
+    /// Opens a file that holds sound and no video, for its description; false for any other, too.
+    [[nodiscard]] bool openForSound(std::string const& path, std::string& error);
+
     AVFormatContext& format() const { return *format_; }
     AVStream& video() const { return *format_->streams[videoIndex_]; }
+    /// The first stream of sound of a file that was opened for it.
+    AVStream& sound() const { return *format_->streams[soundIndex_]; }
 
     /// Reads the next packet of the video stream; a code of FFmpeg below 0 at the end.
     int readVideoPacket(AVPacket& packet);
@@ -60,12 +65,14 @@ private:
     bool statesWhatIsNeeded() const;
     bool probeStreams(std::string& error);
     bool chooseVideo();
+    bool chooseSound();
     void discardOthers();
 
     Deadline deadline_;
     std::string path_;
     AvPtr<AVFormatContext> format_;
     unsigned videoIndex_ = 0;
+    unsigned soundIndex_ = 0;
 };
 
 }  // namespace playfile_ffmpeg

@@ -19,11 +19,11 @@ constexpr unsigned firstAudioStream = 0;
 Ox::Ptr<FileReadInstance> probe(LightweightString<wchar_t> const& name) {
     for (std::uint8_t index = 0; index < Ox::FileReaderInfo::getNumFileReaders(); ++index) {
         Ox::Ptr<Ox::FileReaderInfo> const reader = Ox::FileReaderInfo::getFileReaders(index);
-        if (!reader || !reader->canOpen(name, OpenType::audio)) {
+        if (!reader || !reader->canOpen(name, OpenType::video)) {
             continue;
         }
         if (Ox::Ptr<FileReadInstance> file =
-                reader->openFile(name, DecodeFormat::getDefault(), OpenType::audio)) {
+                reader->openFile(name, DecodeFormat::getDefault(), OpenType::video)) {
             return file;
         }
     }
