@@ -29,7 +29,7 @@ function(playfile_add_test_folder folder)
     target_link_libraries(${target} PRIVATE playfile_test_support)
     set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PLAYFILE_TEST_DIR}")
     add_dependencies(${target} playfile_test_parts)
-    if(top STREQUAL tools AND TARGET playfile_tool)
+    if(top MATCHES "^(tools|real)$" AND TARGET playfile_tool)
         target_link_libraries(${target} PRIVATE playfile_tool)
     endif()
     gtest_discover_tests(${target}

@@ -1,0 +1,98 @@
+#include "tests/real/RealMedia.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+
+#include "tests/support/ChildProcess.h"
+
+namespace test {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The files below a folder, sorted; none if it isn't there.
+std::vector<std::string> filesBelow(fs::path const& folder) {
+    std::vector<std::string> files;
+    std::error_code error;
+    for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        if (entry->is_regular_file()) {
+            files.push_back(entry->path().string());
+        }
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+fs::path realFolder(char const* name) {
+    char const* const root = std::getenv("PLAYFILE_REAL_MEDIA");
+    return root ? fs::path(root) / name : fs::path();
+}
+
+bool isOneOf(std::string const& extension, std::initializer_list<char const*> known) {
+    return std::any_of(known.begin(), known.end(), [&](char const* each) { return extension == each; });
+}
+
+bool mayHavePictures(std::string const& path) {
+    return !isOneOf(fs::path(path).extension().string(), {".wav", ".mp3", ".md", ".txt", ".stamp", ""});
+}
+
+}  // namespace
+
+std::vector<std::string> clipsWithPictures() {
+    std::vector<std::string> clips = filesBelow(PLAYFILE_TEST_MEDIA_DIR);
+    for (char const* const folder : {"video", "images"}) {
+        std::vector<std::string> const more = filesBelow(realFolder(folder));
+        clips.insert(clips.end(), more.begin(), more.end());
+    }
+    std::erase_if(clips, [](std::string const& clip) { return !mayHavePictures(clip); });
+    return clips;
+}
+
+std::vector<std::string> damagedFiles() {
+    return filesBelow(realFolder("damaged"));
+}
+
+std::vector<std::string> smallClips() {
+    std::vector<std::string> const names = {"h264_testvid_1022ms.mp4",
+                                            "vp9_odd_161x121.webm",
+                                            "prores422.mov",
+                                            "mjpeg.mov",
+                                            "mpeg4_mp3.avi",
+                                            "h263_amr_phone_vfr.3gp",
+                                            "h264_opengop_editlist_1fps.mp4",
+                                            "dv_pal_interlaced.mov"};
+    std::vector<std::string> clips;
+    for (std::string const& clip : clipsWithPictures()) {
+        std::string const name = fs::path(clip).filename().string();
+        if (std::find(names.begin(), names.end(), name) != names.end()) {
+            clips.push_back(clip);
+        }
+    }
+    return clips.size() < 6 ? filesBelow(PLAYFILE_TEST_MEDIA_DIR) : clips;
+}
+
+std::vector<std::string> shownFrames(std::string const& path) {
+    ChildProcess program("/usr/bin/ffmpeg", {"-nostdin", "-v", "quiet", "-noautorotate", "-i", path, "-map",
+                                             "0:v:0", "-fps_mode", "passthrough", "-f", "framemd5", "-"});
+    std::istringstream lines(program.waitForEnd().output);
+    std::vector<std::string> sums;
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.empty() && line[0] != '#') {
+            sums.push_back(line.substr(line.rfind(' ') + 1));
+        }
+    }
+    return sums;
+}
+
+std::string testNameOf(std::string const& path) {
+    std::string name = fs::path(path).filename().string();
+    std::replace_if(
+        name.begin(), name.end(), [](unsigned char c) { return !std::isalnum(c); }, '_');
+    return name;
+}
+
+}  // namespace test

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace test {
+
+/// The clips with a picture that tests read: those that our script makes and, where
+/// `PLAYFILE_REAL_MEDIA` names a folder of real ones, those of its folders `video` and `images` too.
+[[nodiscard]] std::vector<std::string> clipsWithPictures();
+
+/// Files of the real media's folder `damaged`; empty without real media.
+[[nodiscard]] std::vector<std::string> damagedFiles();
+
+/// A few clips, small ones of as many codecs as there are, to be read at random.
+[[nodiscard]] std::vector<std::string> smallClips();
+
+/// The MD5 sums of a file's frames in the order in which the program `ffmpeg` shows them; empty if it
+/// shows none.
+[[nodiscard]] std::vector<std::string> shownFrames(std::string const& path);
+
+/// A clip's name made fit for the name of a test.
+[[nodiscard]] std::string testNameOf(std::string const& path);
+
+/// How many turns a long test takes: all of them, or a tenth under a sanitizer.
+[[nodiscard]] constexpr std::uint32_t turns(std::uint32_t whole) {
+#if defined(PLAYFILE_SANITIZED)
+    return whole / 10;
+#else
+    return whole;
+#endif
+}
+
+}  // namespace test
