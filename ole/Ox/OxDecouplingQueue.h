@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <new>
 #include <vector>
 
 #include "ole/Ox/OxClassName.h"
@@ -210,7 +212,15 @@ public:
     virtual void despatch(Ox::Ptr<T>& request) = 0;
 
     /// Stops and frees the queue.
-    virtual void shutdown(Shutdown::eExitType) { queue.decRef(); }
+    ///
+    /// Deliberate  On a worker of the queue, whose `despatch` is ending the process and never returns,
+    ///             the queue stays as it is: the worker can't wait for itself.
+    virtual void shutdown(Shutdown::eExitType) {
+        if (queue && queue->isThisThreadAWorker()) {
+            keepForEver(queue);
+        }
+        queue.decRef();
+    }
 
 protected:
     /// Names the threads (a `name` set before is kept), makes the queue and registers with `Shutdown`.
@@ -232,4 +242,10 @@ protected:
 
 private:
     friend class DecouplingQueue<T>;
+
+    /// Takes a share that is never given up.
+    static void keepForEver(Ox::ExternalPtr<DecouplingQueue> const& kept) {
+        alignas(Ox::ExternalPtr<DecouplingQueue>) std::byte share[sizeof(kept)];
+        ::new (static_cast<void*>(share)) Ox::ExternalPtr<DecouplingQueue>(kept);
+    }
 };

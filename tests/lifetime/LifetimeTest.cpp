@@ -43,6 +43,10 @@ TEST(Lifetime, ExitDropsTheRequestsThatNobodyHolds) {
     EXPECT_EQ(run("exit_with_dropped_requests"), "frames read: 1\n");
 }
 
+TEST(Lifetime, ExitFromInsideAReadEndsTheProcess) {
+    EXPECT_EQ(run("exit_on_worker"), "frames read: 0\n");
+}
+
 TEST(Lifetime, StaticObjectsMayHoldMediaPastMain) {
     std::string const said = "request: status 2\nfile: one gray pixel\n";
     EXPECT_EQ(run("statics_hold_media"), said + said + said);
