@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -16,8 +17,14 @@ namespace {
 /// Notes how many files were open at each flush.
 class NotingKeeper : public CodecPool::iKeeper {
 public:
-    void flushUnreferenced() override { openAtFlush.push_back(PlayFileCache::Shared()->getOpenCount()); }
+    void flushUnreferenced() override {
+        std::scoped_lock const lock(mutex_);
+        openAtFlush.push_back(PlayFileCache::Shared()->getOpenCount());
+    }
     std::vector<std::size_t> openAtFlush;
+
+private:
+    std::mutex mutex_;
 };
 
 class EntryPoints : public CacheFixture {

@@ -56,9 +56,9 @@ protected:
         return *owner_;
     }
     /// Holds the one worker inside its first job until the gate opens.
-    JobOwner& makeBusy(Gate& gate, QueueSetup const& setup = {}) {
-        JobOwner& owner = make(setup);
-        owner.onDespatch = [&gate](JobOwner::JobPtr& job) {
+    JobOwner& makeBusy() {
+        JobOwner& owner = make();
+        owner.onDespatch = [this](JobOwner::JobPtr& job) {
             if (job->number == 0) {
                 gate.pass();
             }
@@ -69,6 +69,7 @@ protected:
     }
     void destroyOwner() { owner_.reset(); }
 
+    Gate gate{false};
     KeptLog log;
     test::RecordedThreads threads;
 
@@ -186,16 +187,14 @@ TEST_F(OxDecouplingQueue, SleepsWithoutLimitIfItIsTold) {
 }
 
 TEST_F(OxDecouplingQueue, DespatchesInOrderOfArrival) {
-    Gate gate{false};
-    JobOwner& owner = makeBusy(gate);
+    JobOwner& owner = makeBusy();
     owner.enqueue({1, 2, 3, 4});
     gate.open();
     EXPECT_THAT(owner.awaitDone(5), ElementsAre(0, 1, 2, 3, 4));
 }
 
 TEST_F(OxDecouplingQueue, HoldsAReferenceOfItsOwnToAWaitingRequest) {
-    Gate gate{false};
-    JobOwner& owner = makeBusy(gate);
+    JobOwner& owner = makeBusy();
     JobOwner::JobPtr job = Ox::makePtr<Job>(1);
     owner.theQueue()->enqueue(job);
     EXPECT_EQ(job.useCount(), 2U);
@@ -231,8 +230,7 @@ TEST_F(OxDecouplingQueue, DespatchesWithoutItsLock) {
 }
 
 TEST_F(OxDecouplingQueue, TakesRequestsWhileOneIsDespatched) {
-    Gate gate{false};
-    JobOwner& owner = makeBusy(gate);
+    JobOwner& owner = makeBusy();
     owner.add(1);
     EXPECT_THAT(owner.theQueue()->requests(), SizeIs(1));
     gate.open();
@@ -297,8 +295,7 @@ TEST_F(OxDecouplingQueue, OneWakeBringsOneWorkerWhichEmptiesTheList) {
 TEST_F(OxDecouplingQueue, EveryWorkerCanBeAtWorkAtOnce) {
     constexpr int workerCount = 4;
     JobOwner& owner = make({.numThreads = workerCount});
-    Gate gate{false};
-    owner.onDespatch = [&gate](JobOwner::JobPtr&) { gate.pass(); };
+    owner.onDespatch = [this](JobOwner::JobPtr&) { gate.pass(); };
     for (int i = 1; i <= workerCount; ++i) {
         owner.add(i);
         EXPECT_TRUE(gate.waitForArrivals(i));
