@@ -51,7 +51,9 @@ VideoReadQueue::VideoReadQueue() {
     lock_ = queue->sharedLock();
 }
 
+/// First of all nobody may shut the queue down any more, nor be about to.
 VideoReadQueue::~VideoReadQueue() {
+    Shutdown::removeCallback(shutdownCallback);
     purge();
     queue.decRef();
 }

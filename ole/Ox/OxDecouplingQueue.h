@@ -188,7 +188,8 @@ private:
 
 /// The owner of a queue: derive from it, and call `init` from the constructor of the derived class.
 ///
-/// Ownership  A derived class's destructor releases `queue` first, while its `despatch` still exists.
+/// Ownership  A derived class's destructor removes `shutdownCallback` from `Shutdown` first, so that nobody
+///            else is about to release `queue`, and then releases it, while its `despatch` still exists.
 /// Threads    Constructor, `init` and destructor: one thread. `shutdown`: the thread that runs
 ///            `Shutdown`. After `shutdown`, `queue` is empty and no request may be added any more.
 template <class T>

@@ -1,11 +1,13 @@
 #include "ole/os/Shutdown.h"
 
 #include <algorithm>
+#include <condition_variable>
 #include <cstdlib>
+#include <mutex>
+#include <thread>
 #include <vector>
 
 #include "ole/os/Immortal.h"
-#include "ole/os/Locks.h"
 
 namespace {
 
@@ -14,32 +16,59 @@ struct Registered {
     std::uint32_t order;
 };
 
-/// What is registered, sorted by order number; entries of one number in order of arrival.
-struct Registry {
-    CriticalSection lock{eLockRank::toolkit, "Shutdown"};
-    std::vector<Registered> entries;
+/// A call of a callback that is under way.
+struct Execution {
+    Shutdown::CallbackPtr callback;
+    std::thread::id thread;
+};
 
-    [[nodiscard]] auto find(Shutdown::CallbackPtr const& callback) {
-        return std::find_if(entries.begin(), entries.end(),
-                            [&](Registered const& entry) { return entry.callback == callback; });
+/// What is registered, sorted by order number, entries of one number in order of arrival; and what is
+/// being run. A callback goes from the one to the other in one step, so that it can't be lost sight of.
+struct Registry {
+    std::mutex lock;
+    std::condition_variable executionEnded;
+    std::vector<Registered> entries;
+    std::vector<Execution> executions;
+
+    /// Takes `callback` out and hands it over; empty if it isn't registered any more. Requires `lock`.
+    Shutdown::CallbackPtr take(Shutdown::CallbackPtr const& callback) {
+        auto const found = std::find_if(entries.begin(), entries.end(),
+                                        [&](Registered const& entry) { return entry.callback == callback; });
+        Shutdown::CallbackPtr taken;
+        if (found != entries.end()) {
+            taken = std::move(found->callback);
+            entries.erase(found);
+        }
+        return taken;
     }
 
-    /// Takes `callback` out; false if it isn't registered any more. What was held goes to `removed`,
-    /// so that it can be let go without the lock.
-    bool take(Shutdown::CallbackPtr const& callback, Shutdown::CallbackPtr& removed) {
-        ScopedLock const scope(lock);
-        auto const found = find(callback);
-        if (found == entries.end()) {
-            return false;
-        }
-        removed = std::move(found->callback);
-        entries.erase(found);
-        return true;
+    [[nodiscard]] bool isUnderWayElsewhere(Shutdown::CallbackPtr const& callback) const {
+        return std::any_of(executions.begin(), executions.end(), [&](Execution const& execution) {
+            return execution.callback == callback && execution.thread != std::this_thread::get_id();
+        });
     }
 };
 
 Registry& registry() {
     return immortal<Registry>();
+}
+
+/// Runs one callback, unless it has been removed; the callback is let go without the lock.
+void execute(Shutdown::CallbackPtr const& callback, Shutdown::eExitType exitType) {
+    auto& known = registry();
+    Shutdown::CallbackPtr taken;
+    {
+        std::lock_guard const scope(known.lock);
+        taken = known.take(callback);
+        if (!taken) {
+            return;
+        }
+        known.executions.push_back({taken, std::this_thread::get_id()});
+    }
+    taken->execute(exitType);
+    std::lock_guard const scope(known.lock);
+    std::erase_if(known.executions, [&](Execution const& execution) { return execution.callback == taken; });
+    known.executionEnded.notify_all();
 }
 
 void runAtExit() {
@@ -52,7 +81,7 @@ void runAtExit() {
 /// that the callback runs before anything is destroyed that was there when it was added.
 void Shutdown::addCallback(CallbackPtr const& callback, std::uint32_t order) {
     {
-        ScopedLock const scope(registry().lock);
+        std::lock_guard const scope(registry().lock);
         auto& entries = registry().entries;
         auto const behind = std::upper_bound(
             entries.begin(), entries.end(), order,
@@ -64,20 +93,19 @@ void Shutdown::addCallback(CallbackPtr const& callback, std::uint32_t order) {
 
 void Shutdown::removeCallback(CallbackPtr const& callback) {
     CallbackPtr removed;
-    registry().take(callback, removed);
+    std::unique_lock scope(registry().lock);
+    removed = registry().take(callback);
+    registry().executionEnded.wait(scope, [&] { return !registry().isUnderWayElsewhere(callback); });
 }
 
 void Shutdown::run(eExitType exitType) {
     std::vector<Registered> snapshot;
     {
-        ScopedLock const scope(registry().lock);
+        std::lock_guard const scope(registry().lock);
         snapshot = registry().entries;
     }
     for (Registered const& entry : snapshot) {
-        CallbackPtr taken;
-        if (registry().take(entry.callback, taken)) {
-            taken->execute(exitType);
-        }
+        execute(entry.callback, exitType);
     }
 }
 

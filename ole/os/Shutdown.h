@@ -43,7 +43,8 @@ public:
     /// Holds `callback` until it is removed or has run.
     static void addCallback(CallbackPtr const& callback, std::uint32_t order);
 
-    /// Forgets `callback`; it need not be registered. It doesn't wait for one that is running.
+    /// Forgets `callback`; it need not be registered. A call of it that is under way on another thread is
+    /// waited for, so that its target may go afterwards.
     static void removeCallback(CallbackPtr const& callback);
 
     /// Runs what is registered now; what is added while it runs is left for the next call.

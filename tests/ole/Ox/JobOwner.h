@@ -43,7 +43,10 @@ public:
         init(setup.numThreads, setup.priority, setup.threadOption, setup.stackSize, setup.shutdownOrder,
              setup.waitMs);
     }
-    ~JobOwner() override { queue.decRef(); }
+    ~JobOwner() override {
+        Shutdown::removeCallback(shutdownCallback);
+        queue.decRef();
+    }
 
     void despatch(JobPtr& job) override {
         if (onDespatch) {
