@@ -32,6 +32,11 @@ bool RecordingIssuer::waitForCalls(std::size_t count) {
     return changed_.wait_for(scope, testPatience, [&] { return calls_.size() >= count; });
 }
 
+bool RecordingIssuer::waitForCall(unsigned waitMs) {
+    std::unique_lock scope(lock_);
+    return changed_.wait_for(scope, std::chrono::milliseconds(waitMs), [&] { return !calls_.empty(); });
+}
+
 std::vector<RecordingIssuer::Call> RecordingIssuer::calls() const {
     std::lock_guard const scope(lock_);
     return calls_;

@@ -30,6 +30,8 @@ public:
 
     /// False if fewer than `count` calls have come within the test's patience.
     [[nodiscard]] bool waitForCalls(std::size_t count);
+    /// False if none has come within `waitMs` milliseconds.
+    [[nodiscard]] bool waitForCall(unsigned waitMs);
     [[nodiscard]] std::vector<Call> calls() const;
     [[nodiscard]] std::size_t callCount() const { return calls().size(); }
     /// The only call there is.
