@@ -8,6 +8,8 @@ namespace {
 
 /// A key that lies this many packets ahead is reached by reading on; beyond, going there is faster.
 constexpr uint32_t readOnPackets = 8;
+/// So many jumps one after the other, and the next request is taken for a jump too.
+constexpr uint32_t jumpsOfAPattern = 2;
 /// A picture may need more than the key before it; the last attempt begins as far back as this.
 constexpr uint32_t farBackPackets = 300;
 /// Pictures that may come out after a missing one before it is given up.
@@ -38,9 +40,10 @@ DecodeLane::DecodeLane(FrameIndex& index, PacketReader& reader, std::unique_ptr<
       packet_(makePacket()) {}
 
 PicturePtr DecodeLane::fetch(uint32_t wanted, uint32_t keepFrom, PictureShelf& shelf) {
-    Walk const goal{wanted, keepFrom};
-    PicturePtr picture =
-        leadsTo(wanted) ? walk(goal, shelf) : walkFrom(index_.startPacketFor(wanted), goal, shelf);
+    bool const isJump = !leadsTo(wanted);
+    jumpsInARow_ = isJump ? jumpsInARow_ + 1 : 0;
+    Walk const goal{wanted, keepFrom, jumpsInARow_ > jumpsOfAPattern};
+    PicturePtr picture = !isJump ? walk(goal, shelf) : walkFrom(index_.startPacketFor(wanted), goal, shelf);
     uint32_t const start = std::min(startedAt_, index_.startPacketFor(wanted));
     if (!picture && startedAt_ > 0) {
         picture = walkFrom(index_.keyBefore(start), goal, shelf);
@@ -93,6 +96,25 @@ PicturePtr DecodeLane::fetchFirst(uint32_t& frame) {
     return nullptr;
 }
 
+PicturePtr DecodeLane::fetchFirstAlone() {
+    restartAt(0);
+    uint32_t const end = index_.endOfFrameAt(0);
+    for (uint32_t number = 0; number < end; ++number) {
+        if (!reader_.read(number, *packet_)) {
+            return nullptr;
+        }
+        firstPackets_.emplace_back(av_packet_clone(packet_.get()));
+        packet_->flags |= AV_PKT_FLAG_KEY;
+        decoder_->send(*packet_, number, false);
+    }
+    decoder_->drain();
+    uint32_t number = 0;
+    AvPtr<AVFrame> frame = decoder_->receive(number);
+    isRunning_ = false;
+    lastFetched_ = 0;
+    return frame && number == 0 ? finish(std::move(frame), 0) : nullptr;
+}
+
 /// Whether the decoder stands where reading on brings the frame, whole and no slower than a new start.
 bool DecodeLane::leadsTo(uint32_t wanted) const {
     uint32_t const start = index_.startPacketFor(wanted);
@@ -102,7 +124,7 @@ bool DecodeLane::leadsTo(uint32_t wanted) const {
     if (std::find(inDecoder_.begin(), inDecoder_.end(), wanted) != inDecoder_.end()) {
         return true;
     }
-    if (index_.packetOf(wanted) < next_) {
+    if (isDrained_ || index_.packetOf(wanted) < next_) {
         return false;
     }
     return wanted == lastFetched_ + 1 || start <= next_ + readOnPackets;
@@ -116,13 +138,18 @@ void DecodeLane::restartAt(uint32_t packet) {
     isRunning_ = true;
     isDropping_ = false;
     hasFalseStart_ = false;
+    isDrained_ = false;
     hasDropped_ = false;
     errorsAtStart_ = decoder_->errorCount();
     startedAt_ = packet;
     next_ = packet;
 }
 
+/// Somebody who jumps about won't read on from here: then nothing after the wanted picture is decoded,
+/// at the price that the decoder can't go on.
 PicturePtr DecodeLane::walk(Walk const& goal, PictureShelf& shelf) {
+    uint32_t const end =
+        goal.endsThere ? index_.endOfFrameAt(index_.packetOf(goal.wanted)) : index_.packetCount();
     for (;;) {
         uint32_t number = 0;
         if (AvPtr<AVFrame> frame = decoder_->receive(number)) {
@@ -136,10 +163,11 @@ PicturePtr DecodeLane::walk(Walk const& goal, PictureShelf& shelf) {
         } else if (decoder_->hasEnded()) {
             isRunning_ = false;
             return nullptr;
-        } else if (next_ < index_.packetCount()) {
+        } else if (next_ < end && !isDrained_) {
             feedNext(goal);
         } else {
             decoder_->drain();
+            isDrained_ = true;
         }
     }
 }
@@ -179,7 +207,7 @@ bool DecodeLane::isFalseStart(AVFrame const& frame, uint32_t number) const {
 void DecodeLane::feedNext(Walk const& goal) {
     uint32_t const number = next_++;
     PacketEntry const& entry = index_.packet(number);
-    if (!reader_.read(number, *packet_)) {
+    if (!readPacket(number)) {
         decoder_->countError();
         return;
     }
@@ -197,6 +225,14 @@ void DecodeLane::feedNext(Walk const& goal) {
         packet_->flags |= AV_PKT_FLAG_KEY;
     }
     decoder_->send(*packet_, number, mayDrop);
+}
+
+bool DecodeLane::readPacket(uint32_t number) {
+    if (number < firstPackets_.size() && firstPackets_[number]) {
+        av_packet_unref(packet_.get());
+        return av_packet_ref(packet_.get(), firstPackets_[number].get()) >= 0;
+    }
+    return reader_.read(number, *packet_);
 }
 
 /// The second field of a frame goes the way of the first. Most decoders see for themselves whether a

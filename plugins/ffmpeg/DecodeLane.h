@@ -29,14 +29,20 @@ public:
     /// The first picture that decoding from the first packet gives out, with its frame number.
     PicturePtr fetchFirst(uint32_t& frame);
 
+    /// Frame 0, decoded from its own packets only, which are kept for the walk that follows. Empty if
+    /// they aren't enough; requires that frame 0 begins with packet 0 and that this is a key.
+    PicturePtr fetchFirstAlone();
+
     FrameDecoder const& decoder() const { return *decoder_; }
 
 private:
     struct Walk {
         uint32_t wanted;
         uint32_t keepFrom;
+        bool endsThere = false;  ///< What follows isn't sent; the decoder is drained instead.
     };
     PicturePtr walkFrom(uint32_t packet, Walk const& goal, PictureShelf& shelf);
+    bool readPacket(uint32_t number);
     bool leadsTo(uint32_t wanted) const;
     void restartAt(uint32_t packet);
     PicturePtr walk(Walk const& goal, PictureShelf& shelf);
@@ -55,7 +61,8 @@ private:
     NalFraming framing_;
     AvPtr<AVPacket> packet_;
     bool isRunning_ = false;
-    bool mayDrop_ = true;  ///< False from the first damage on, see fetch().
+    bool isDrained_ = false;  ///< Gives out what it holds and takes nothing more.
+    bool mayDrop_ = true;     ///< False from the first damage on, see fetch().
     bool isDropping_ = false;
     bool hasDropped_ = false;  ///< Since the start.
     uint64_t errorsAtStart_ = 0;
@@ -63,6 +70,8 @@ private:
     uint32_t startedAt_ = 0;
     uint32_t next_ = 0;  ///< The packet to be sent next.
     uint32_t lastFetched_ = 0;
+    uint32_t jumpsInARow_ = 0;
+    std::vector<AvPtr<AVPacket>> firstPackets_;  ///< Those of frame 0, if it was fetched alone.
     std::vector<uint32_t> inDecoder_;  ///< Frames whose packets were sent and that haven't come out.
 };
 

@@ -24,23 +24,34 @@ void chooseThreads(AVCodecContext& context, AVCodec const& codec, FrameDecoder::
 
 std::unique_ptr<FrameDecoder> FrameDecoder::open(AVCodecParameters const& parameters, uint32_t reorderDepth,
                                                  eThreading threading, std::string& error) {
-    AVCodec const* codec = avcodec_find_decoder(parameters.codec_id);
-    if (codec == nullptr) {
-        error = std::string("no decoder for ") + avcodec_get_name(parameters.codec_id);
+    std::unique_ptr<FrameDecoder> decoder(new FrameDecoder(parameters, reorderDepth, threading));
+    int const code = decoder->openContext();
+    if (code < 0) {
+        error =
+            std::string("no decoder for ") + avcodec_get_name(parameters.codec_id) + ": " + avErrorText(code);
         return nullptr;
+    }
+    return decoder;
+}
+
+int FrameDecoder::openContext() {
+    AVCodec const* codec = avcodec_find_decoder(parameters_.codec_id);
+    if (codec == nullptr) {
+        return AVERROR_DECODER_NOT_FOUND;
     }
     AvPtr<AVCodecContext> context(avcodec_alloc_context3(codec));
-    int code = context ? avcodec_parameters_to_context(context.get(), &parameters) : AVERROR(ENOMEM);
+    int code = context ? avcodec_parameters_to_context(context.get(), &parameters_) : AVERROR(ENOMEM);
     if (code >= 0) {
-        context->has_b_frames = std::max(context->has_b_frames, static_cast<int>(reorderDepth));
-        chooseThreads(*context, *codec, threading);
+        context->has_b_frames = std::max(context->has_b_frames, static_cast<int>(reorderDepth_));
+        chooseThreads(*context, *codec, threading_);
         code = avcodec_open2(context.get(), codec, nullptr);
     }
-    if (code < 0) {
-        error = "the decoder can't be opened: " + avErrorText(code);
-        return nullptr;
+    if (code >= 0) {
+        context_ = std::move(context);
+        hasEnded_ = false;
+        errorsBeforeOpening_ = errorCount_;
     }
-    return std::unique_ptr<FrameDecoder>(new FrameDecoder(std::move(context)));
+    return code;
 }
 
 bool FrameDecoder::hasFrameThreads(AVCodecID id) {
@@ -62,8 +73,11 @@ void FrameDecoder::drain() {
 }
 
 void FrameDecoder::reset() {
-    avcodec_flush_buffers(context_.get());
-    hasEnded_ = false;
+    bool const isTainted = errorCount_ > errorsBeforeOpening_;
+    if (!isTainted || openContext() < 0) {
+        avcodec_flush_buffers(context_.get());
+        hasEnded_ = false;
+    }
 }
 
 AvPtr<AVFrame> FrameDecoder::receive(uint32_t& number) {

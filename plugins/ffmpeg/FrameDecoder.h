@@ -21,6 +21,7 @@ public:
         throughput   ///< A picture per thread where the codec can; pictures come out later.
     };
 
+    /// `parameters` are referred to as long as the decoder lives.
     /// `reorderDepth`: how many pictures the decoder must hold back at least. Empty on failure, with the
     /// reason in `error`.
     static std::unique_ptr<FrameDecoder> open(AVCodecParameters const& parameters, uint32_t reorderDepth,
@@ -39,7 +40,8 @@ public:
     /// Tells the decoder that nothing follows, so that it gives out what it holds back.
     void drain();
 
-    /// Forgets everything; the next packet must be a key.
+    /// Forgets everything; the next packet must be a key. After damage the decoder is made anew: what
+    /// it took from a damaged packet, parameter sets above all, would outlive a flush.
     void reset();
 
     /// The next picture; empty if the decoder wants more packets, or has given out all after drain().
@@ -53,13 +55,20 @@ public:
     AVCodecContext const& context() const { return *context_; }
 
 private:
-    explicit FrameDecoder(AvPtr<AVCodecContext> context) : context_(std::move(context)) {}
+    FrameDecoder(AVCodecParameters const& parameters, uint32_t reorderDepth, eThreading threading)
+        : parameters_(parameters), reorderDepth_(reorderDepth), threading_(threading) {}
 
+    int openContext();
+
+    AVCodecParameters const& parameters_;
+    uint32_t const reorderDepth_;
+    eThreading const threading_;
     AvPtr<AVCodecContext> context_;
     bool hasEnded_ = false;
     uint64_t sentCount_ = 0;
     uint64_t decodedCount_ = 0;
     uint64_t errorCount_ = 0;
+    uint64_t errorsBeforeOpening_ = 0;
 };
 
 }  // namespace playfile_ffmpeg

@@ -82,7 +82,14 @@ bool FrameFetcher::showFirst(std::string& error) {
     }
     DecodeLane* lane = linear();
     uint32_t frame = 0;
-    PicturePtr picture = lane != nullptr ? lane->fetchFirst(frame) : nullptr;
+    PicturePtr picture;
+    bool const beginsWithItsKey = index_.packet(0).isKey && index_.packet(0).frame == 0;
+    if (lane != nullptr && beginsWithItsKey) {
+        picture = lane->fetchFirstAlone();
+    }
+    if (lane != nullptr && !picture) {
+        picture = lane->fetchFirst(frame);
+    }
     if (!picture) {
         error = std::string("no frame of its video can be decoded (") + facts_.codec + ")";
         return false;
