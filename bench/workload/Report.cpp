@@ -69,20 +69,21 @@ double CaseResult::extraBytes() const {
     return median(differences);
 }
 
-void printTable(std::FILE* out, std::vector<ClipResult> const& clips) {
-    for (ClipResult const& clip : clips) {
-        std::fprintf(out, "%s: %s in %s, %u x %u, %u frames\n", nameOfFile(clip.path).c_str(),
-                     clip.facts.codec, clip.facts.container, clip.facts.width, clip.facts.height,
-                     clip.facts.frameCount);
-        std::fprintf(out, "  %-14s %8s %14s %14s %8s %12s\n", "case", "reads", "playfile ms", "plain loop ms",
-                     "ratio", "memory MiB");
-        for (CaseResult const& result : clip.cases) {
-            std::fprintf(out, "  %-14s %8u %14.4f %14.4f %8.2f %+12.1f%s\n", nameOf(result.which),
-                         result.library.front().reads, result.librarySecondsPerRead() * 1000,
-                         result.plainSecondsPerRead() * 1000, result.ratio(),
-                         result.extraBytes() / bytesPerMiB, result.isGood() ? "" : "  (reads failed)");
-        }
+void printTable(std::FILE* out, ClipResult const& clip) {
+    std::fprintf(out, "%s: %s in %s, %u x %u, %u frames\n", nameOfFile(clip.path).c_str(), clip.facts.codec,
+                 clip.facts.container, clip.facts.width, clip.facts.height, clip.facts.frameCount);
+    std::fprintf(out, "  %-14s %8s %14s %14s %8s %12s\n", "case", "reads", "playfile ms", "plain loop ms",
+                 "ratio", "memory MiB");
+    for (CaseResult const& result : clip.cases) {
+        std::fprintf(out, "  %-14s %8u %14.4f %14.4f %8.2f %+12.1f%s\n", nameOf(result.which),
+                     result.library.front().reads, result.librarySecondsPerRead() * 1000,
+                     result.plainSecondsPerRead() * 1000, result.ratio(), result.extraBytes() / bytesPerMiB,
+                     result.isGood() ? "" : "  (reads failed)");
     }
+    std::fflush(out);
+}
+
+void printLegend(std::FILE* out) {
     std::fprintf(out,
                  "ms: one read. ratio: how many times as fast as the plain loop. memory: the most that was\n"
                  "resident in playfile's process, less that of the plain loop's.\n");

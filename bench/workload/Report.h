@@ -34,7 +34,10 @@ struct ClipResult {
     std::vector<CaseResult> cases;
 };
 
-void printTable(std::FILE* out, std::vector<ClipResult> const& clips);
+void printTable(std::FILE* out, ClipResult const& clip);
+
+/// What the columns of the table mean.
+void printLegend(std::FILE* out);
 
 void printJson(std::FILE* out, std::vector<ClipResult> const& clips);
 

@@ -80,6 +80,9 @@ bool measureClip(Options const& options, std::string const& path, std::vector<Cl
         }
     }
     results.push_back(clip);
+    if (!options.isJson) {
+        printTable(stdout, clip);
+    }
     return isGood;
 }
 
@@ -111,8 +114,8 @@ int main(int argc, char** argv) {
     }
     if (options.isJson) {
         printJson(stdout, results);
-    } else if (!results.empty()) {
-        printTable(stdout, results);
+    } else {
+        printLegend(stdout);
     }
     if (options.showsTargets) {
         printTargets(options.isJson ? stderr : stdout, results, measureNullCosts());
