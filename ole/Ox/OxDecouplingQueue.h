@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <new>
 #include <vector>
 
 #include "ole/Ox/OxClassName.h"
@@ -119,6 +117,9 @@ public:
                            [](Ox::Ptr<iThread> const& thread) { return thread->isThisThread(); });
     }
 
+    /// Makes the queue hold itself, so that no release frees it.
+    void keepForEver(Ox::ExternalPtr<DecouplingQueue> const& self) { self_ = self; }
+
 private:
     void startThread(iThread::ePriority priority, int threadOption, unsigned stackSize) {
         ThreadDescription description;
@@ -184,6 +185,8 @@ private:
     std::vector<Ox::Ptr<iThread>> threads_;
     std::atomic<bool> isRunning_{false};
     std::uint32_t const waitMs_;
+    /// Set when the queue is never to be freed.
+    Ox::ExternalPtr<DecouplingQueue> self_;
 };
 
 /// The owner of a queue: derive from it, and call `init` from the constructor of the derived class.
@@ -218,7 +221,7 @@ public:
     ///             the queue stays as it is: the worker can't wait for itself.
     virtual void shutdown(Shutdown::eExitType) {
         if (queue && queue->isThisThreadAWorker()) {
-            keepForEver(queue);
+            queue->keepForEver(queue);
         }
         queue.decRef();
     }
@@ -243,10 +246,4 @@ protected:
 
 private:
     friend class DecouplingQueue<T>;
-
-    /// Takes a share that is never given up.
-    static void keepForEver(Ox::ExternalPtr<DecouplingQueue> const& kept) {
-        alignas(Ox::ExternalPtr<DecouplingQueue>) std::byte share[sizeof(kept)];
-        ::new (static_cast<void*>(share)) Ox::ExternalPtr<DecouplingQueue>(kept);
-    }
 };
