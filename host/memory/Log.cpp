@@ -4,6 +4,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <mutex>
 
 #include "ole/os/Immortal.h"
@@ -24,8 +25,7 @@ public:
         std::lock_guard const scope(lock_);
         if (!isOpened_) {
             isOpened_ = true;
-            char const* const path = std::getenv("PLAYFILE_LOG");
-            file_ = path ? std::fopen(path, "ae") : nullptr;
+            open(std::getenv("PLAYFILE_LOG"));
         }
         if (file_) {
             std::fwrite(text.c_str(), 1, text.length(), file_);
@@ -34,6 +34,13 @@ public:
     }
 
 private:
+    void open(char const* path) {
+        file_ = path && *path ? std::fopen(path, "ae") : nullptr;
+        if (path && *path && !file_) {
+            std::fprintf(stderr, "The log can't be written to %s\n", path);
+        }
+    }
+
     std::mutex lock_;
     bool isOpened_ = false;
     std::FILE* file_ = nullptr;
@@ -42,6 +49,17 @@ private:
 iLogSink& sink() {
     iLogSink* const installed = installedSink.load(std::memory_order_acquire);
     return installed ? *installed : immortal<HostSink>();
+}
+
+/// Formats a line and hands it to `write`. A line that can't be made, for want of memory, is lost: to
+/// log is no reason to fail.
+template <class Write>
+void formatAndWrite(char const* format, va_list arguments, Write const& write) noexcept {
+    try {
+        write(sink(), formatLogText(format, arguments));
+    } catch (std::exception const&) {
+        return;
+    }
 }
 
 }  // namespace
@@ -53,23 +71,27 @@ iLogSink* installLogSink(iLogSink* newSink) noexcept {
 void LogBoth(char const* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    LightweightString<char> const text = formatLogText(format, arguments);
+    formatAndWrite(format, arguments, [](iLogSink& inForce, LightweightString<char> const& text) {
+        inForce.writeToConsole(text);
+        inForce.writeToLog(text);
+    });
     va_end(arguments);
-    sink().writeToConsole(text);
-    sink().writeToLog(text);
 }
 
 void Log(char const* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    sink().writeToLog(formatLogText(format, arguments));
+    formatAndWrite(format, arguments,
+                   [](iLogSink& inForce, LightweightString<char> const& text) { inForce.writeToLog(text); });
     va_end(arguments);
 }
 
 void zorn_printf(char const* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    sink().writeToConsole(formatLogText(format, arguments));
+    formatAndWrite(format, arguments, [](iLogSink& inForce, LightweightString<char> const& text) {
+        inForce.writeToConsole(text);
+    });
     va_end(arguments);
 }
 

@@ -32,15 +32,23 @@ public:
         return info.codec == VideoDecompressionInfo::rawPixels;
     }
     int decompress(Ox::Ptr<FrameBufferRep>& buffer) override {
-        Ox::Image::Surface surface;
-        for (std::uint16_t i = 0; buffer->getSurface(i, surface); ++i) {
-            static_cast<void>(surface.wait(iThreadEvent::noTimeLimit));
-            if (!surface.valid()) {
-                return 0;
-            }
+        if (!buffer || !allHavePixels(*buffer)) {
+            return 0;
         }
         buffer->setDecompressComplete(FrameBufferRep::done);
         return 1;
+    }
+
+private:
+    /// Waits for every frame, so that none is written any more when it answers.
+    static bool allHavePixels(FrameBufferRep const& buffer) {
+        bool areValid = true;
+        Ox::Image::Surface surface;
+        for (std::uint16_t i = 0; buffer.getSurface(i, surface); ++i) {
+            static_cast<void>(surface.wait(iThreadEvent::noTimeLimit));
+            areValid = areValid && surface.valid();
+        }
+        return areValid;
     }
 };
 
@@ -71,7 +79,7 @@ bool FileReaderInfo::add(Ptr<FileReaderInfo> const& reader, int priority) {
     auto& entries = readers.entries;
     bool const isKnown = std::any_of(entries.begin(), entries.end(),
                                      [&](Readers::Entry const& entry) { return entry.reader == reader; });
-    if (isKnown || entries.size() >= maxReaders) {
+    if (!reader || isKnown || entries.size() >= maxReaders) {
         return false;
     }
     auto const behind =
@@ -82,6 +90,7 @@ bool FileReaderInfo::add(Ptr<FileReaderInfo> const& reader, int priority) {
 }
 
 bool FileReaderInfo::remove(Ptr<FileReaderInfo> const& reader) {
+    Ptr<FileReaderInfo> const held(reader);  // so that it doesn't die under the lock
     auto& readers = immortal<Readers>();
     std::lock_guard const scope(readers.lock);
     return std::erase_if(readers.entries,
@@ -93,11 +102,15 @@ DecoderInfo& DecoderInfo::instance() {
 }
 
 Ptr<iVideoDecoder> DecoderInfo::getDecoderFor(VideoDecompressionInfo const& info) const {
-    auto& decoders = immortal<Decoders>();
-    std::lock_guard const scope(decoders.lock);
-    auto const found = std::find_if(decoders.list.begin(), decoders.list.end(),
+    std::vector<Ptr<iVideoDecoder>> candidates;
+    {
+        auto& decoders = immortal<Decoders>();
+        std::lock_guard const scope(decoders.lock);
+        candidates = decoders.list;
+    }
+    auto const found = std::find_if(candidates.begin(), candidates.end(),
                                     [&](auto const& decoder) { return decoder->canDecode(info); });
-    return found == decoders.list.end() ? Ptr<iVideoDecoder>() : *found;
+    return found == candidates.end() ? Ptr<iVideoDecoder>() : *found;
 }
 
 void DecoderInfo::add(Ptr<iVideoDecoder> const& decoder) {
@@ -107,9 +120,10 @@ void DecoderInfo::add(Ptr<iVideoDecoder> const& decoder) {
 }
 
 void DecoderInfo::remove(Ptr<iVideoDecoder> const& decoder) {
+    Ptr<iVideoDecoder> const held(decoder);  // so that it doesn't die under the lock
     auto& decoders = immortal<Decoders>();
     std::lock_guard const scope(decoders.lock);
-    std::erase(decoders.list, decoder);
+    std::erase(decoders.list, held);
 }
 
 }  // namespace Ox
@@ -121,9 +135,10 @@ void CodecPool::addKeeper(Ox::Ptr<iKeeper> const& keeper) {
 }
 
 void CodecPool::removeKeeper(Ox::Ptr<iKeeper> const& keeper) {
+    Ox::Ptr<iKeeper> const held(keeper);  // so that it doesn't die under the lock
     auto& keepers = immortal<Keepers>();
     std::lock_guard const scope(keepers.lock);
-    std::erase(keepers.list, keeper);
+    std::erase(keepers.list, held);
 }
 
 void CodecPool::flushAllUnreferenced() {

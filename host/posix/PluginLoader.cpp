@@ -9,12 +9,12 @@
 #include <cerrno>
 #include <exception>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <system_error>
 
 #include "ole/os/Immortal.h"
+#include "ole/os/Locks.h"
 #include "toolkit/plugins/Plugin.h"
 #include "toolkit/services/Log.h"
 
@@ -31,7 +31,10 @@ public:
 
     void commit() const {
         for (auto const& [reader, priority] : readers_) {
-            Ox::FileReaderInfo::add(reader, priority);
+            if (!Ox::FileReaderInfo::add(reader, priority)) {
+                LogBoth("There is no room for another file reader: %s\n",
+                        reader ? reader->readerName.c_str() : "one that isn't there");
+            }
         }
         for (auto const& decoder : decoders_) {
             Ox::DecoderInfo::instance().add(decoder);
@@ -48,21 +51,37 @@ private:
 };
 
 struct Loader {
-    std::mutex lock;
+    /// Held while files are loaded; only those who load take it, and an entry point may load more.
+    CriticalSection loading;
+    /// Files whose entry point was called, whatever it said. They stay mapped for the life of the
+    /// process. Guarded by `loading`.
+    std::vector<void*> called;
+
+    CriticalSection lock{eLockRank::toolkit, "plug-in outcomes"};
+    /// Guarded by `lock`.
     std::vector<PluginOutcome> outcomes;
 
-    [[nodiscard]] bool isLoaded(LightweightString<wchar_t> const& path) const {
-        return std::any_of(outcomes.begin(), outcomes.end(), [&](PluginOutcome const& outcome) {
-            return outcome.isLoaded && outcome.path == path;
-        });
+    /// True the first time for each file.
+    bool isFirstCall(void* library) {
+        bool const isFirst = std::find(called.begin(), called.end(), library) == called.end();
+        if (isFirst) {
+            called.push_back(library);
+        }
+        return isFirst;
     }
 };
+
+/// What the loader complained of last.
+std::string lastLoaderError() {
+    char const* const words = dlerror();
+    return words ? words : "the loader doesn't say why";
+}
 
 /// Calls the entry point; the words of what went wrong, empty on success.
 std::string callEntryPoint(void* library) {
     auto const entry = reinterpret_cast<PluginEntryPoint>(dlsym(library, pluginEntryPointName));
     if (!entry) {
-        return dlerror();
+        return lastLoaderError();
     }
     try {
         Collector collector;
@@ -76,11 +95,6 @@ std::string callEntryPoint(void* library) {
     } catch (...) {
         return "its entry point threw";
     }
-}
-
-std::string loadFile(std::string const& path) {
-    void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    return library ? callEntryPoint(library) : std::string(dlerror());
 }
 
 struct CloseFolder {
@@ -112,13 +126,20 @@ PluginOutcome outcomeOf(std::string const& path, std::string const& message) {
     return {fromUTF8(path.c_str()), message.empty(), LightweightString<char>(message)};
 }
 
+/// Loads a file, unless that very file was loaded before, under whatever name.
+void loadFile(Loader& loader, std::string const& path, std::vector<PluginOutcome>& outcomes) {
+    void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!library) {
+        outcomes.push_back(outcomeOf(path, lastLoaderError()));
+    } else if (loader.isFirstCall(library)) {
+        outcomes.push_back(outcomeOf(path, callEntryPoint(library)));
+    }
+}
+
 void loadFolder(Loader& loader, std::string const& folder, std::vector<PluginOutcome>& outcomes) {
     std::string message;
     for (std::string const& name : pluginNames(folder, message)) {
-        std::string const path = folder + "/" + name;
-        if (!loader.isLoaded(fromUTF8(path.c_str()))) {
-            outcomes.push_back(outcomeOf(path, loadFile(path)));
-        }
+        loadFile(loader, folder + "/" + name, outcomes);
     }
     if (!message.empty()) {
         outcomes.push_back(outcomeOf(folder, message));
@@ -129,7 +150,7 @@ void loadFolder(Loader& loader, std::string const& folder, std::vector<PluginOut
 
 std::vector<PluginOutcome> loadPlugins(LightweightString<wchar_t> const& searchPath) {
     auto& loader = immortal<Loader>();
-    std::lock_guard const scope(loader.lock);
+    ScopedLock const scope(loader.loading);
     std::vector<PluginOutcome> outcomes;
     LightweightString<char> const folders = toUTF8(searchPath);
     std::string_view left = folders.view();
@@ -140,12 +161,13 @@ std::vector<PluginOutcome> loadPlugins(LightweightString<wchar_t> const& searchP
         }
         left.remove_prefix(std::min(colon + 1, left.size()));
     }
+    ScopedLock const guard(loader.lock);
     loader.outcomes.insert(loader.outcomes.end(), outcomes.begin(), outcomes.end());
     return outcomes;
 }
 
 std::vector<PluginOutcome> getPluginOutcomes() {
     auto& loader = immortal<Loader>();
-    std::lock_guard const scope(loader.lock);
+    ScopedLock const scope(loader.lock);
     return loader.outcomes;
 }

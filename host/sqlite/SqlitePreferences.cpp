@@ -212,7 +212,8 @@ std::unique_ptr<EditorPreferences> openSqlitePreferences(LightweightString<wchar
 
 LightweightString<wchar_t> defaultPreferencesPath() {
     std::string folder;
-    if (char const* const configurations = std::getenv("XDG_CONFIG_HOME")) {
+    char const* const configurations = std::getenv("XDG_CONFIG_HOME");
+    if (configurations && *configurations) {
         folder = configurations;
     } else if (char const* const home = std::getenv("HOME")) {
         folder = std::string(home) + "/.config";

@@ -102,5 +102,5 @@ public:
 };
 
 /// Puts `manager` in force for the whole process, null for the host's own, and gives back the one
-/// before. It isn't owned and must live until it is replaced and nobody is inside it.
+/// before, null for the host's own. It isn't owned and must live until it is replaced and nobody is inside it.
 iFileManager* installFileManager(iFileManager* manager) noexcept;

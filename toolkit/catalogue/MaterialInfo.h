@@ -20,6 +20,7 @@ public:
     /// See `iStore::getStartOffset`.
     [[nodiscard]] static std::int32_t get_start_offset(Cookie const& cookie);
 
-    /// Puts `store` in force, null for the host's own, and gives back the one before. Not owned.
+    /// Puts `store` in force, null for the host's own, and gives back the one before, null for the host's
+    /// own. Not owned.
     static iStore* install(iStore* store) noexcept;
 };

@@ -12,7 +12,8 @@ class SystemCache {
 public:
     /// The catalogue in force; the host's in-memory one unless another is installed.
     [[nodiscard]] static SystemCache* instance() noexcept;
-    /// Puts `catalogue` in force, null for the host's own, and gives back the one before. Not owned.
+    /// Puts `catalogue` in force, null for the host's own, and gives back the one before, null for the host's
+    /// own. Not owned.
     static SystemCache* install(SystemCache* catalogue) noexcept;
 
     virtual ~SystemCache() = default;

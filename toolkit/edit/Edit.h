@@ -26,7 +26,8 @@ public:
     virtual void close(Edit& edit) = 0;
 
     [[nodiscard]] static iEditStore* instance() noexcept;
-    /// Puts `store` in force, null for the host's own, and gives back the one before. Not owned.
+    /// Puts `store` in force, null for the host's own, and gives back the one before, null for the host's
+    /// own. Not owned.
     static iEditStore* install(iEditStore* store) noexcept;
 };
 

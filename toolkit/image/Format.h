@@ -40,6 +40,7 @@ struct FormatDescription {
     std::uint16_t bitsPerComponent = 0;
     /// Average over all planes, padding not counted.
     std::uint16_t bitsPerPixel = 0;
+    /// A palette counts as one.
     unsigned planeCount = 0;
     /// Bits from one sample of a plane to the next in the same row.
     std::array<std::uint8_t, maxPlanes> sampleBits{};
@@ -50,7 +51,8 @@ struct FormatDescription {
     std::uint32_t paletteBytes = 0;
 };
 
-/// Makes a format known; a name that is known already keeps its description.
+/// Makes a format known; a name that is known already keeps its description. One without a name is
+/// passed over.
 ///
 /// Threads  Any, like the two queries below.
 void registerFormat(FormatDescription const& description);

@@ -41,9 +41,10 @@ using Planes = std::array<Plane, FormatDescription::maxPlanes>;
 std::size_t layOut(Core::Data const& image, std::uint32_t stride, std::uint8_t* data, Planes& planes) {
     FormatDescription const* const format = describeFormat(image.getDataFormat());
     if (!format) {
-        std::uint32_t const row = stride != 0 ? stride : (image.getWidth() * image.getBitsPerPixel() + 7) / 8;
-        planes[0] = {data, row};
-        return std::size_t(row) * image.getHeight();
+        std::uint64_t const bits = std::uint64_t(image.getWidth()) * image.getBitsPerPixel();
+        std::uint64_t const row = stride != 0 ? stride : (bits + 7) / 8;
+        planes[0] = {data, static_cast<std::int64_t>(row)};
+        return row * image.getHeight();
     }
     std::uint32_t const firstRow = planeRowBytes(*format, 0, image.getWidth());
     std::size_t offset = 0;
@@ -77,9 +78,10 @@ Surface::Surface(std::uint32_t width, std::uint32_t height, Format format, std::
     body_->image.layout = layout;
     body_->image.coreDataSet = true;
     body_->stride = stride;
-    if (allocation == allocateOwn) {
-        Planes planes{};
-        auto const pixels = makePtr<OwnPixels>(layOut(body_->image, stride, nullptr, planes));
+    Planes planes{};
+    std::size_t const byteCount = layOut(body_->image, stride, nullptr, planes);
+    if (allocation == allocateOwn && byteCount != 0) {
+        auto const pixels = makePtr<OwnPixels>(byteCount);
         layOut(body_->image, stride, pixels->bytes.get(), planes);
         setPlanes(planes, pixels);
     }
@@ -102,7 +104,7 @@ std::uint32_t Surface::wait(std::uint32_t waitMs) const {
 }
 
 void Surface::addEvent() {
-    if (body_) {
+    if (body_ && !body_->finished) {
         body_->finished = OS()->getThreads().makeEvent(true, false, 0);
     }
 }
@@ -113,9 +115,13 @@ void Surface::setDataPtr(Ptr<iObject> owner) {
     }
     Planes planes{};
     if (auto const* memory = dynamic_cast<iMemHolder const*>(owner.get())) {
-        layOut(body_->image, body_->stride, static_cast<std::uint8_t*>(memory->getBuffer()), planes);
+        auto* const start = static_cast<std::uint8_t*>(memory->getBuffer());
+        std::size_t const byteCount = layOut(body_->image, body_->stride, start, planes);
+        if (memory->getSize() < byteCount) {
+            planes = {};
+        }
     }
-    setPlanes(planes, owner);
+    setPlanes(planes, std::move(owner));
 }
 
 void Surface::setPlanes(Planes const& planes, Ptr<iObject> owner) {

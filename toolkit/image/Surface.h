@@ -56,7 +56,8 @@ public:
     void addEvent();
 
     /// Shows the memory of an `iMemHolder` and holds it; nothing is copied. The planes follow from
-    /// format, size and stride. Another kind of object is only held.
+    /// format, size and stride. Another kind of object is only held, as is memory that is too small for
+    /// the image.
     void setDataPtr(Ox::Ptr<iObject> owner);
     /// Shows planes that `owner` keeps in memory.
     void setPlanes(std::array<Plane, FormatDescription::maxPlanes> const& planes, Ox::Ptr<iObject> owner);

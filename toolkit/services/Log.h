@@ -13,12 +13,12 @@ public:
     virtual void writeToLog(LightweightString<char> const& text) = 0;
 };
 
-/// Puts `sink` in force, null for the host's own (standard error, and the file that the
-/// environment's `PLAYFILE_LOG` names), and
-/// gives back the one before. Not owned.
+/// Puts `sink` in force, null for the host's own (standard error, and the file that the environment's
+/// `PLAYFILE_LOG` names), and gives back the one before, null for the host's own. Not owned.
 iLogSink* installLogSink(iLogSink* sink) noexcept;
 
-/// Formats like printf and writes to console and log. `%ls` is written as UTF-8 in any locale.
+/// Formats like printf and writes to console and log. `%ls` is written as UTF-8 in any locale. A line
+/// that can't be made for want of memory is lost: nothing is thrown.
 void LogBoth(char const* format, ...) __attribute__((format(printf, 1, 2)));
 /// The same to the log alone.
 void Log(char const* format, ...) __attribute__((format(printf, 1, 2)));

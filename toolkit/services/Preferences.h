@@ -25,5 +25,6 @@ public:
 /// The preferences in force: in memory only, unless a host has installed others.
 [[nodiscard]] EditorPreferences* prefs() noexcept;
 
-/// Puts `preferences` in force, null for those in memory, and gives back the ones before. Not owned.
+/// Puts `preferences` in force, null for those in memory, and gives back the ones before,
+/// null for those in memory. Not owned.
 EditorPreferences* installPreferences(EditorPreferences* preferences) noexcept;
