@@ -42,12 +42,10 @@ void loadReaders() {
 OpenClip::OpenClip(std::string const& path) : cookie_(Ox::UUID::generate(), 'V', 0) {
     loadReaders();
     MemoryCatalogue::instance().add(cookie_, fromUTF8(path.c_str()));
-    Ox::Ptr<FileReadInstance> const file =
-        PlayFileCache::Shared()->open(cookie_, DecodeFormat::getDefault(), 0);
-    if (file) {
-        isOpen_ = true;
-        frameCount_ = file->metadata->videoSampleCount;
-        static_cast<Ox::Image::Core::Data&>(nativeFormat_) = file->metadata->image;
+    file_ = PlayFileCache::Shared()->open(cookie_, DecodeFormat::getDefault(), 0);
+    if (file_) {
+        frameCount_ = file_->metadata->videoSampleCount;
+        static_cast<Ox::Image::Core::Data&>(nativeFormat_) = file_->metadata->image;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "files/FileReadInstance.h"
 #include "ole/os/Events.h"
 #include "toolkit/catalogue/Cookie.h"
 #include "toolkit/image/DecodeFormat.h"
@@ -13,14 +14,15 @@ namespace test {
 /// A file that goes the whole road: a cookie in the catalogue, the shared cache, the readers that are
 /// really loaded, a request, the file's queue, an issuer.
 ///
-/// Threads  Several may read at once.
+/// Ownership  It holds the file open.
+/// Threads    Several may read at once.
 class OpenClip {
 public:
     /// Loads the plug-ins that were built, once in a process.
     explicit OpenClip(std::string const& path);
 
     /// False if the cache can't open it.
-    [[nodiscard]] bool isOpen() const { return isOpen_; }
+    [[nodiscard]] bool isOpen() const { return static_cast<bool>(file_); }
     [[nodiscard]] std::uint32_t frameCount() const { return frameCount_; }
 
     /// The picture of a frame in the file's own size and format, or as `format` says; not valid if the
@@ -37,7 +39,7 @@ private:
     Cookie cookie_;
     DecodeFormat nativeFormat_;
     std::uint32_t frameCount_ = 0;
-    bool isOpen_ = false;
+    Ox::Ptr<FileReadInstance> file_;
 };
 
 }  // namespace test
