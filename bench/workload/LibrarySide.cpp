@@ -1,11 +1,11 @@
 #include "bench/workload/LibrarySide.h"
 
 #include <chrono>
+#include <thread>
 
 #include "bench/support/CountingIssuer.h"
 #include "files/PlayFileCache.h"
 #include "host/memory/MemoryCatalogue.h"
-#include "ole/os/OS.h"
 #include "playfile/playfile.h"
 #include "toolkit/plugins/Plugin.h"
 #include "video/VideoReadRequest.h"
@@ -44,7 +44,22 @@ public:
         return request;
     }
 
-    /// Waits until all but `count` of the reads that were asked for have ended.
+    /// Waits until the read has ended and its status says so, which is a moment after its issuers were
+    /// told: who asks for the same frame in between joins a read that tells nobody any more.
+    ///
+    /// A request that has joined a failed one shows that at once and tells nobody.
+    void waitFor(RequestPtr const& request) {
+        if (request && request->getRequestStatus() == requestFailed) {
+            isGood_ = false;
+            asked_ = issuer_.endedCount();
+        }
+        waitForAllBut(0);
+        while (request && request->getRequestStatus() == requestTakenUp) {
+            std::this_thread::yield();
+        }
+    }
+
+    /// Waits until all but `count` of the reads that were asked for have told their issuer.
     void waitForAllBut(std::uint64_t count) { issuer_.waitFor(asked_ > count ? asked_ - count : 0); }
 
     [[nodiscard]] bool isGood() const { return isGood_ && issuer_.failedCount() == 0; }
@@ -69,7 +84,7 @@ void readAhead(Clip& clip, std::vector<std::uint32_t> const& frames) {
 void readOneByOne(Clip& clip, std::vector<std::uint32_t> const& frames) {
     for (std::uint32_t const frame : frames) {
         RequestPtr const request = clip.ask(frame);
-        clip.waitForAllBut(0);
+        clip.waitFor(request);
     }
 }
 
@@ -85,11 +100,7 @@ Sample runLibrary(std::string const& path, std::string const& pluginFolder, eCas
     RequestPtr held;
     if (which == eCase::heldAgain) {
         held = clip.ask(frames.front());
-        clip.waitForAllBut(0);
-        // The status is stored after the issuers were told.
-        while (held && held->getRequestStatus() == requestTakenUp) {
-            OS()->getThreads().sleep(1);
-        }
+        clip.waitFor(held);
     }
     auto const start = Clock::now();
     if (which == eCase::inOrder) {
