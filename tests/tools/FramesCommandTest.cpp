@@ -171,13 +171,28 @@ TEST_F(FramesCommand, ReplacesPicturesOfAnEarlierRun) {
 }
 
 TEST_F(FramesCommand, FramesThatCannotBeReadAreNamedAndTheOthersGoOn) {
-    std::string const whole =
-        makeClip("whole.avi", {"-frames:v", "20", "-c:v", "mjpeg", "-pix_fmt", "yuvj420p"});
-    std::uintmax_t const size = std::filesystem::file_size(whole);
-    std::filesystem::resize_file(whole, size * 2 / 3);
-    Ended const ended = run({"frames", whole, "--md5", "--frames", "0-5"});
-    EXPECT_EQ(ended.exitCode, 0) << ended.err;
-    EXPECT_THAT(linesOf(ended.out), SizeIs(6));
+    std::string const file = writeFile("20f_64x48_25fps.synth", "fault = 3\nfault = 7\n");
+    Ended const ended = run({"frames", file, "--md5", "--frames", "0-9", "--threads", "4"});
+    EXPECT_EQ(ended.exitCode, 1);
+    EXPECT_THAT(linesOf(ended.out), SizeIs(8));
+    EXPECT_THAT(linesOf(ended.err),
+                ElementsAre(HasSubstr("frame 3 of '" + file + "' cannot be read"), HasSubstr("frame 7 of")));
+}
+
+TEST_F(FramesCommand, AFrameThatFailsOftenNeverHangs) {
+    std::string const file = writeFile("5f_64x48_25fps.synth", "fault = 3\n");
+    Ended const ended =
+        run({"frames", file, "--md5", "--order", "random:1", "--count", "200", "--threads", "8"});
+    EXPECT_EQ(ended.exitCode, 1);
+    EXPECT_THAT(linesOf(ended.out), SizeIs(160));
+    EXPECT_THAT(linesOf(ended.err), SizeIs(40));
+}
+
+TEST_F(FramesCommand, NumbersAreKeptWhateverTheFileCallsItsFirstFrame) {
+    std::string const plain = writeFile("20f_64x48_25fps.synth", "# plain\n");
+    std::string const shifted = writeFile("20f_64x48_25fps_shifted.synth", "origin = 1000\n");
+    EXPECT_EQ(numbers(shifted, {"--order", "backward"}), numbers(plain, {"--order", "backward"}));
+    EXPECT_THAT(sums(shifted, {}), SizeIs(20));
 }
 
 TEST_F(FramesCommand, TakesNamesInEveryScript) {

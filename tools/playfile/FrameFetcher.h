@@ -64,6 +64,7 @@ private:
     void serve(Job const& job, unsigned thread) noexcept;
     [[nodiscard]] bool take(Job const& job, Ticket& ticket);
     void askAhead(Job const& job);
+    [[nodiscard]] bool waitFor(std::unique_ptr<FrameRequest>& request, Ox::Image::Surface& surface) const;
     void finish(Job const& job, std::size_t position, FrameOutcome outcome);
     void fail(std::exception_ptr const& error);
 
@@ -85,6 +86,9 @@ private:
     std::map<std::size_t, FrameOutcome> untold_;
     std::size_t nextToTell_ = 0;
 };
+
+/// Lets go of finished reads that nobody holds, so that no later read is answered by one of them.
+void forgetFinishedReads();
 
 /// What is asked for to get a file's frames as they are stored: its own size, which makes the request
 /// unlike one for a smaller picture, and its own pixel format.

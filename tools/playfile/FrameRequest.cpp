@@ -19,7 +19,7 @@ bool isOver(RequestStatus status) {
 }  // namespace
 
 FrameRequest::FrameRequest(Cookie const& cookie, std::uint32_t frame, DecodeFormat const& format)
-    : frame_(frame) {
+    : frame_(frame), format_(format) {
     OxResult const result = PlayFileCache::Shared()->videoReadRequest(
         request_, cookie, static_cast<int>(frame), false, resultDecompressed, format, getProxy());
     if (result != oxSuccess) {
@@ -48,6 +48,12 @@ bool FrameRequest::wait(Ox::Image::Surface& surface) {
     return isGood_ && pickPicture(surface);
 }
 
+bool FrameRequest::isAnsweredByAnother() const {
+    return request_ &&
+           (request_->getDataFormat() != format_.getDataFormat() ||
+            request_->getWidth() != format_.getWidth() || request_->getHeight() != format_.getHeight());
+}
+
 void FrameRequest::requestCompleted(Ox::Ptr<iObject>& result, RequestStatus status) {
     noteEnd(Ox::dynamicPtrCast<FrameBufferRep>(result), status == requestComplete);
 }
@@ -60,15 +66,17 @@ void FrameRequest::noteEnd(Ox::Ptr<FrameBufferRep> const& buffer, bool isGood) {
     ended_.notify_all();
 }
 
-/// A file of one frame has that frame at every number.
+/// The buffer may be that of a read for another frame, which brought this one too. A file of one frame
+/// has that frame at every number.
 bool FrameRequest::pickPicture(Ox::Image::Surface& surface) const {
     if (!buffer_) {
         return false;
     }
-    std::uint32_t const count = buffer_->getNumFrames();
-    std::uint32_t const fileFrame = request_ ? request_->frame : frame_;
-    std::uint32_t const index = count == 1 ? 0 : fileFrame - buffer_->getStartValidFrameIndex();
-    return index < count && buffer_->getSurface(static_cast<std::uint16_t>(index), surface);
+    FileReadInstance const& file = *request_->file;
+    std::uint32_t const fileFrame = frame_ + static_cast<std::uint32_t>(file.getVideoOrigin());
+    bool const isOnlyFrame = file.metadata->videoSampleCount == 1;
+    std::uint32_t const index = isOnlyFrame ? 0 : fileFrame - buffer_->getStartValidFrameIndex();
+    return index < buffer_->getNumFrames() && buffer_->getSurface(static_cast<std::uint16_t>(index), surface);
 }
 
 }  // namespace cli

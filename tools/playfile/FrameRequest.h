@@ -29,6 +29,10 @@ public:
     /// @throws Stopped  if somebody asks the program to stop meanwhile
     [[nodiscard]] bool wait(Ox::Image::Surface& surface);
 
+    /// True if a read that was asked for in another form answers this request too: a larger picture,
+    /// or one of another pixel format.
+    [[nodiscard]] bool isAnsweredByAnother() const;
+
     [[nodiscard]] std::uint32_t frame() const { return frame_; }
 
 private:
@@ -37,6 +41,7 @@ private:
     [[nodiscard]] bool pickPicture(Ox::Image::Surface& surface) const;
 
     std::uint32_t const frame_;
+    DecodeFormat const format_;
     std::mutex mutex_;
     std::condition_variable ended_;
     bool hasEnded_ = false;

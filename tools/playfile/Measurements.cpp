@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <limits>
 #include <numeric>
 
-#include "files/PlayFileCache.h"
 #include "tools/playfile/ContactSheet.h"
 #include "tools/playfile/FrameFetcher.h"
 #include "tools/playfile/FrameOrder.h"
@@ -150,11 +148,6 @@ Measurements measure(Clip const& clip, FileReadInstance const& file, Clock::dura
     result.shared = readShared(target, inOrder);
     forgetFinishedReads();
     return result;
-}
-
-/// The bound is one that closes no file.
-void forgetFinishedReads() {
-    PlayFileCache::Shared()->limitUsage(std::numeric_limits<unsigned int>::max());
 }
 
 Json describeMeasurements(Measurements const& measurements) {

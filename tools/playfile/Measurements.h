@@ -41,9 +41,6 @@ struct Measurements {
 [[nodiscard]] Measurements measure(Clip const& clip, FileReadInstance const& file,
                                    std::chrono::steady_clock::duration opening);
 
-/// Lets go of finished reads that nobody holds, so that no later read is answered by one of them.
-void forgetFinishedReads();
-
 /// The measurements as data, and as a table.
 [[nodiscard]] Json describeMeasurements(Measurements const& measurements);
 [[nodiscard]] std::string measurementTable(Measurements const& measurements);
