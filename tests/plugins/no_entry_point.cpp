@@ -1,0 +1,4 @@
+/// A library that is no plug-in.
+extern "C" int someOtherFunction() {
+    return 1;
+}
