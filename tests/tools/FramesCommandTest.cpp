@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <filesystem>
+#include <set>
 
 #include "tests/tools/ToolTest.h"
 
@@ -193,6 +194,16 @@ TEST_F(FramesCommand, NumbersAreKeptWhateverTheFileCallsItsFirstFrame) {
     std::string const shifted = writeFile("20f_64x48_25fps_shifted.synth", "origin = 1000\n");
     EXPECT_EQ(numbers(shifted, {"--order", "backward"}), numbers(plain, {"--order", "backward"}));
     EXPECT_THAT(sums(shifted, {}), SizeIs(20));
+}
+
+TEST_F(FramesCommand, FramesThatAreStoredInGroupsKeepTheirPictures) {
+    std::string const grouped = writeFile("20f_64x48_25fps.synth", "group = 4\n");
+    std::vector<std::string> const forward = sums(grouped, {"--threads", "4"});
+    ASSERT_THAT(forward, SizeIs(20));
+    for (std::string const& sum : sums(grouped, {"--order", "random:3", "--count", "60"})) {
+        EXPECT_EQ(sum, forward[std::stoul(sum)]);
+    }
+    EXPECT_EQ(std::set<std::string>(forward.begin(), forward.end()).size(), 20U);
 }
 
 TEST_F(FramesCommand, TakesNamesInEveryScript) {

@@ -70,7 +70,8 @@ ContactSheet makeContactSheet(Clip const& clip, FileReadInstance const& file) {
     Grid const grid(cell, sheet.frames.size());
     sheet.picture = grid.emptySheet();
     Progress progress("contact sheet", sheet.frames.size(), false);
-    FrameFetcher fetcher(clip.videoCookie(), rgbFormat(metadata, stored.width, stored.height), threads);
+    FrameFetcher fetcher(clip.videoCookie(), metadata, rgbFormat(metadata, stored.width, stored.height),
+                         threads);
     std::mutex pasting;
     auto const paste = [&](std::uint32_t frame, Ox::Image::Surface const& surface) {
         auto const place = std::find(sheet.frames.begin(), sheet.frames.end(), frame);

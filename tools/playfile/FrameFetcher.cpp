@@ -1,10 +1,8 @@
 #include "tools/playfile/FrameFetcher.h"
 
 #include <algorithm>
-#include <limits>
 #include <thread>
 
-#include "files/PlayFileCache.h"
 #include "toolkit/image/Format.h"
 #include "tools/playfile/CommandError.h"
 #include "tools/playfile/Interrupt.h"
@@ -18,8 +16,6 @@ constexpr std::uint64_t aheadBytes = 64U << 20;
 constexpr std::uint64_t bytesPerPixel = 4;
 constexpr std::uint64_t leastAhead = 2;
 constexpr std::uint64_t mostAhead = 16;
-/// How often a frame is asked for again whose read was answered by one in another form.
-constexpr unsigned mostRepeats = 1000;
 constexpr std::uint16_t rgbBitsPerComponent = 8;
 constexpr std::uint16_t rgbBitsPerPixel = 24;
 
@@ -30,8 +26,12 @@ std::size_t aheadFor(DecodeFormat const& format) {
 
 }  // namespace
 
-FrameFetcher::FrameFetcher(Cookie const& cookie, DecodeFormat const& format, unsigned threads)
-    : cookie_(cookie), format_(format), threads_(threads), ahead_(aheadFor(format)) {}
+FrameFetcher::FrameFetcher(Cookie const& cookie, PlayFileMetadataRep const& metadata,
+                           DecodeFormat const& format, unsigned threads)
+    : cookie_(cookie),
+      format_(format),
+      threads_(metadata.frameGrouped ? 1 : threads),
+      ahead_(metadata.frameGrouped ? 0 : aheadFor(format)) {}
 
 FrameFetcher::~FrameFetcher() = default;
 
@@ -61,7 +61,7 @@ void FrameFetcher::serve(Job const& job, unsigned thread) noexcept {
             outcome.frame = ticket.request->frame();
             outcome.thread = thread;
             Ox::Image::Surface surface;
-            outcome.isGood = waitFor(ticket.request, surface);
+            outcome.isGood = finishRequest(ticket.request, surface);
             if (outcome.isGood) {
                 outcome.text = job.work(outcome.frame, surface);
             }
@@ -97,22 +97,6 @@ void FrameFetcher::askAhead(Job const& job) {
     }
 }
 
-/// A read in another form that has just ended may still be held by the thread that did it, and answer
-/// this one; it goes as soon as nobody holds it any more.
-bool FrameFetcher::waitFor(std::unique_ptr<FrameRequest>& request, Ox::Image::Surface& surface) const {
-    bool isGood = request->wait(surface);
-    for (unsigned repeat = 0; request->isAnsweredByAnother() && repeat < mostRepeats; ++repeat) {
-        std::uint32_t const frame = request->frame();
-        surface = Ox::Image::Surface();
-        request.reset();
-        std::this_thread::yield();
-        forgetFinishedReads();
-        request = std::make_unique<FrameRequest>(cookie_, frame, format_);
-        isGood = request->wait(surface);
-    }
-    return isGood;
-}
-
 void FrameFetcher::finish(Job const& job, std::size_t position, FrameOutcome outcome) {
     std::lock_guard const scope(tellMutex_);
     untold_.emplace(position, std::move(outcome));
@@ -130,11 +114,6 @@ void FrameFetcher::fail(std::exception_ptr const& error) {
     if (!error_) {
         error_ = error;
     }
-}
-
-/// The bound is one that closes no file.
-void forgetFinishedReads() {
-    PlayFileCache::Shared()->limitUsage(std::numeric_limits<unsigned int>::max());
 }
 
 DecodeFormat nativeFormat(PlayFileMetadataRep const& metadata) {

@@ -40,9 +40,12 @@ public:
     using Work = std::function<std::string(std::uint32_t frame, Ox::Image::Surface const& surface)>;
     using Tell = std::function<void(FrameOutcome const& outcome)>;
 
-    /// @param format   the picture that is wanted of every frame
-    /// @param threads  from 1
-    FrameFetcher(Cookie const& cookie, DecodeFormat const& format, unsigned threads);
+    /// @param metadata  of the file. One whose frames are stored in groups is read frame by frame, as a
+    ///                  read under way would answer the requests for its whole group.
+    /// @param format    the picture that is wanted of every frame
+    /// @param threads   from 1
+    FrameFetcher(Cookie const& cookie, PlayFileMetadataRep const& metadata, DecodeFormat const& format,
+                 unsigned threads);
     ~FrameFetcher();
 
     /// Reads `frames`. A frame that can't be read is told like the others.
@@ -64,7 +67,6 @@ private:
     void serve(Job const& job, unsigned thread) noexcept;
     [[nodiscard]] bool take(Job const& job, Ticket& ticket);
     void askAhead(Job const& job);
-    [[nodiscard]] bool waitFor(std::unique_ptr<FrameRequest>& request, Ox::Image::Surface& surface) const;
     void finish(Job const& job, std::size_t position, FrameOutcome outcome);
     void fail(std::exception_ptr const& error);
 
@@ -86,9 +88,6 @@ private:
     std::map<std::size_t, FrameOutcome> untold_;
     std::size_t nextToTell_ = 0;
 };
-
-/// Lets go of finished reads that nobody holds, so that no later read is answered by one of them.
-void forgetFinishedReads();
 
 /// What is asked for to get a file's frames as they are stored: its own size, which makes the request
 /// unlike one for a smaller picture, and its own pixel format.

@@ -1,6 +1,8 @@
 #include "tools/playfile/FrameRequest.h"
 
 #include <chrono>
+#include <limits>
+#include <thread>
 
 #include "files/PlayFileCache.h"
 #include "tools/playfile/Interrupt.h"
@@ -12,6 +14,9 @@ namespace {
 /// has failed, is told nothing: then only the request's status says that it is over.
 constexpr std::chrono::milliseconds lookRoundInterval{20};
 
+/// How often a frame is asked for again that another read has answered.
+constexpr unsigned mostRepeats = 1000;
+
 bool isOver(RequestStatus status) {
     return status == requestComplete || status == requestFailed;
 }
@@ -19,7 +24,7 @@ bool isOver(RequestStatus status) {
 }  // namespace
 
 FrameRequest::FrameRequest(Cookie const& cookie, std::uint32_t frame, DecodeFormat const& format)
-    : frame_(frame), format_(format) {
+    : cookie_(cookie), frame_(frame), format_(format) {
     OxResult const result = PlayFileCache::Shared()->videoReadRequest(
         request_, cookie, static_cast<int>(frame), false, resultDecompressed, format, getProxy());
     if (result != oxSuccess) {
@@ -49,9 +54,20 @@ bool FrameRequest::wait(Ox::Image::Surface& surface) {
 }
 
 bool FrameRequest::isAnsweredByAnother() const {
-    return request_ &&
-           (request_->getDataFormat() != format_.getDataFormat() ||
-            request_->getWidth() != format_.getWidth() || request_->getHeight() != format_.getHeight());
+    if (!request_ || !buffer_) {
+        return false;
+    }
+    Ox::Image::Surface surface;
+    bool const isOfAnotherForm = request_->getDataFormat() != format_.getDataFormat() ||
+                                 request_->getWidth() != format_.getWidth() ||
+                                 request_->getHeight() != format_.getHeight();
+    return isOfAnotherForm || !pickPicture(surface);
+}
+
+void FrameRequest::letGo() {
+    withdraw();
+    buffer_ = nullptr;
+    request_ = nullptr;
 }
 
 void FrameRequest::requestCompleted(Ox::Ptr<iObject>& result, RequestStatus status) {
@@ -77,6 +93,27 @@ bool FrameRequest::pickPicture(Ox::Image::Surface& surface) const {
     bool const isOnlyFrame = file.metadata->videoSampleCount == 1;
     std::uint32_t const index = isOnlyFrame ? 0 : fileFrame - buffer_->getStartValidFrameIndex();
     return index < buffer_->getNumFrames() && buffer_->getSurface(static_cast<std::uint16_t>(index), surface);
+}
+
+/// A read that has just ended may still be held by the thread that did it, and answer the next request
+/// too; it goes as soon as nobody holds it any more.
+bool finishRequest(std::unique_ptr<FrameRequest>& request, Ox::Image::Surface& surface) {
+    bool isGood = request->wait(surface);
+    for (unsigned repeat = 0; request->isAnsweredByAnother() && repeat < mostRepeats; ++repeat) {
+        std::unique_ptr<FrameRequest> const answered = std::move(request);
+        surface = Ox::Image::Surface();
+        answered->letGo();
+        std::this_thread::yield();
+        forgetFinishedReads();
+        request = answered->askAgain();
+        isGood = request->wait(surface);
+    }
+    return isGood;
+}
+
+/// The bound is one that closes no file.
+void forgetFinishedReads() {
+    PlayFileCache::Shared()->limitUsage(std::numeric_limits<unsigned int>::max());
 }
 
 }  // namespace cli

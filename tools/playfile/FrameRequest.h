@@ -2,6 +2,7 @@
 
 #include <condition_variable>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 
 #include "toolkit/catalogue/Cookie.h"
@@ -29,9 +30,17 @@ public:
     /// @throws Stopped  if somebody asks the program to stop meanwhile
     [[nodiscard]] bool wait(Ox::Image::Surface& surface);
 
-    /// True if a read that was asked for in another form answers this request too: a larger picture,
-    /// or one of another pixel format.
+    /// True if another read answers this request too and not with what is wanted: a larger picture, one
+    /// of another pixel format, or another frame of its group. Asked once the wait is over.
     [[nodiscard]] bool isAnsweredByAnother() const;
+
+    /// Drops the read and what it has brought.
+    void letGo();
+
+    /// Asks for the same anew.
+    [[nodiscard]] std::unique_ptr<FrameRequest> askAgain() const {
+        return std::make_unique<FrameRequest>(cookie_, frame_, format_);
+    }
 
     [[nodiscard]] std::uint32_t frame() const { return frame_; }
 
@@ -40,6 +49,7 @@ private:
     void noteEnd(Ox::Ptr<FrameBufferRep> const& buffer, bool isGood);
     [[nodiscard]] bool pickPicture(Ox::Image::Surface& surface) const;
 
+    Cookie const cookie_;
     std::uint32_t const frame_;
     DecodeFormat const format_;
     std::mutex mutex_;
@@ -49,5 +59,14 @@ private:
     Ox::Ptr<FrameBufferRep> buffer_;
     Ox::Ptr<VideoReadRequest> request_;
 };
+
+/// Waits for a request and asks again if another read has answered it. `surface` is set to the picture.
+///
+/// @param request  afterwards the one that was answered
+/// @return false if the frame couldn't be read
+[[nodiscard]] bool finishRequest(std::unique_ptr<FrameRequest>& request, Ox::Image::Surface& surface);
+
+/// Lets go of finished reads that nobody holds, so that no later read is answered by one of them.
+void forgetFinishedReads();
 
 }  // namespace cli

@@ -121,7 +121,7 @@ int FramesCommand::fetch(Clip const& clip, Plan const& plan, FileReadInstance co
     std::vector<std::uint32_t> const frames =
         plan.order.apply(plan.frames.resolve(metadata.videoSampleCount, path), count_);
     PictureSize const size = plan.size.stored(metadata.orientation);
-    FrameFetcher fetcher(clip.videoCookie(),
+    FrameFetcher fetcher(clip.videoCookie(), metadata,
                          isMd5_ ? nativeFormat(metadata) : rgbFormat(metadata, size.width, size.height),
                          threads_);
     Progress progress("frames", frames.size(), true);

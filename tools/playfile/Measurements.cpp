@@ -32,6 +32,7 @@ constexpr std::array<Column, 4> percentiles{{{"50%", 50.0}, {"90%", 90.0}, {"99%
 /// What is read, and in which form.
 struct Target {
     Cookie const& cookie;
+    PlayFileMetadataRep const& metadata;
     DecodeFormat format;
 };
 
@@ -49,8 +50,8 @@ std::vector<std::uint32_t> randomFrames(PlayFileMetadataRep const& metadata) {
 void readOne(ReadSeries& series, Target const& target, std::uint32_t frame, Milliseconds before) {
     Clock::time_point const start = Clock::now();
     Ox::Image::Surface surface;
-    FrameRequest request(target.cookie, frame, target.format);
-    bool const isGood = request.wait(surface);
+    auto request = std::make_unique<FrameRequest>(target.cookie, frame, target.format);
+    bool const isGood = finishRequest(request, surface);
     series.latencies.add(Milliseconds(before + (Clock::now() - start)).count());
     series.failed += isGood ? 0 : 1;
 }
@@ -75,7 +76,7 @@ SharedReads readShared(Target const& target, std::vector<std::uint32_t> const& f
     Progress progress("shared by threads", frames.size(), false);
     SharedReads shared;
     shared.framesOfThread.resize(sharingThreads);
-    FrameFetcher fetcher(target.cookie, target.format, sharingThreads);
+    FrameFetcher fetcher(target.cookie, target.metadata, target.format, sharingThreads);
     Clock::time_point const start = Clock::now();
     fetcher.run(
         frames, [](std::uint32_t, Ox::Image::Surface const&) { return std::string(); },
@@ -138,7 +139,7 @@ std::uint64_t Measurements::failed() const {
 
 Measurements measure(Clip const& clip, FileReadInstance const& file, Clock::duration opening) {
     PlayFileMetadataRep const& metadata = *file.metadata;
-    Target const target{clip.videoCookie(), nativeFormat(metadata)};
+    Target const target{clip.videoCookie(), metadata, nativeFormat(metadata)};
     Measurements result;
     readOne(result.first, target, 0, opening);
     std::vector<std::uint32_t> inOrder = firstFrames(metadata, mostInOrder);
