@@ -17,7 +17,7 @@ using Clock = std::chrono::steady_clock;
 using RequestPtr = Ox::Ptr<VideoReadRequest>;
 
 /// Requests that a player has under way.
-constexpr std::uint32_t framesAhead = 8;
+constexpr std::uint32_t framesAhead = 4;
 
 /// A clip in the catalogue, and the reads of it.
 class Clip {
