@@ -119,6 +119,22 @@ TEST_F(PlayUtilTest, FailsWhenEveryReaderThrowsOrRefuses) {
                                         "\"/m/x.mov\" for video\n"}));
 }
 
+TEST_F(PlayUtilTest, AsksAllReadersOfAFullRegistryAndEnds) {
+    while (Ox::FileReaderInfo::getNumFileReaders() < Ox::FileReaderInfo::maxReaders) {
+        addReader("A")->canOpenFiles = false;
+    }
+    EXPECT_FALSE(open());
+    EXPECT_EQ(calls->count("A.canOpen"), 255U);
+}
+
+TEST_F(PlayUtilTest, EndsTheSecondPassOfAFullRegistryThatServesNothing) {
+    while (Ox::FileReaderInfo::getNumFileReaders() < Ox::FileReaderInfo::maxReaders) {
+        addReader("A")->readableTypes = 0;
+    }
+    EXPECT_FALSE(open());
+    EXPECT_EQ(calls->count("A.getReadableTypes"), 256U) << "the probe's reader once more";
+}
+
 TEST_F(PlayUtilTest, LetsAnExceptionFromCanOpenThrough) {
     addReader("A")->onCanOpen = [] { throw std::runtime_error("canOpen"); };
     EXPECT_THROW(static_cast<void>(open()), std::runtime_error);

@@ -270,7 +270,8 @@ protected:
         videoQueuePool().shutdown(Shutdown::normalExit);
         std::shared_ptr<MadeThread> const worker = threads.find("DQ<VideoReadRequest>");
         script->readGate.open();
-        bool const hasEnded = worker && worker->ended.waitForArrivals(1);
+        bool const hasEnded = worker && worker->ended.waitForArrivals(1) && threads.find("QueueRelease") &&
+                              threads.find("QueueRelease")->ended.waitForArrivals(1);
         bool const wasOnWorker = script->destroyedBy.load() == script->readBy.load();
         std::_Exit(hasEnded && wasOnWorker && script->destroyedCount == 1 ? 0 : 1);
     }
