@@ -25,7 +25,7 @@ endif()
 foreach(consumer package pkg-config plugin)
     add_test(NAME install/${consumer}
         COMMAND "${CMAKE_SOURCE_DIR}/tests/install/try-${consumer}.sh" "${PLAYFILE_TEST_DIR}/installed"
-            "${PROJECT_VERSION}"
+            "${PROJECT_VERSION}" "${PLAYFILE_TEST_MEDIA_DIR}"
         WORKING_DIRECTORY "${PLAYFILE_TEST_DIR}")
     set_tests_properties(install/${consumer} PROPERTIES
         LABELS install TIMEOUT ${PLAYFILE_LONG_TIMEOUT} FIXTURES_REQUIRED "installed_tree;test_media")
