@@ -5,6 +5,7 @@
 
 #include "gtest/gtest.h"
 #include "tests/fakes/ScriptedFile.h"
+#include "video/QueuePools.h"
 
 namespace {
 
@@ -59,7 +60,8 @@ TEST(FileReadInstanceTest, DoesNothingWithQueuesThatItNeverTook) {
     file->purge();
     file->limitUsage();
     file = nullptr;
-    SUCCEED();
+    EXPECT_EQ(videoQueuePool().getCreated(), 0U);
+    EXPECT_EQ(videoQueuePool().getFreeCount(), 0U);
 }
 
 /// A file whose options are a, b and c.
