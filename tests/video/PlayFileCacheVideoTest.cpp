@@ -255,6 +255,7 @@ TEST_F(PlayFileCacheVideoTest, WorksWithoutAnIssuer) {
 TEST_F(PlayFileCacheVideoTest, HoldsTheFileThroughTheRequestWhenTheCacheForgetsIt) {
     reader->script->readGate.close();
     ask(7);
+    ASSERT_TRUE(reader->script->readGate.waitForArrivals(1));
     PlayFileCache::Shared()->closeAll();
     EXPECT_EQ(reader->aliveCount(), 1U);
     reader->script->readGate.open();

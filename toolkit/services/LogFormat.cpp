@@ -229,10 +229,11 @@ private:
         if (precision < 0) {
             return toUTF8(text).str();
         }
+        auto const most = static_cast<std::size_t>(precision);
         std::string result;
-        for (; *text != 0; ++text) {
+        for (; result.size() < most && *text != 0; ++text) {
             std::string const character = toUTF8(LightweightString<wchar_t>(text, 1)).str();
-            if (result.size() + character.size() > static_cast<std::size_t>(precision)) {
+            if (result.size() + character.size() > most) {
                 break;
             }
             result += character;
