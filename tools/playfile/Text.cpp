@@ -49,7 +49,8 @@ std::string printable(std::string_view text) {
         return {};
     }
     std::string result;
-    for (char const c : toUTF8(withoutUpperControls(widened(text))).view()) {
+    LightweightString<char> const shown = toUTF8(withoutUpperControls(widened(text)));
+    for (char const c : shown.view()) {
         auto const byte = static_cast<unsigned char>(c);
         result += isControl(byte) ? escaped(byte) : std::string(1, c);
     }
