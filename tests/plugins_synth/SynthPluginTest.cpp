@@ -141,6 +141,7 @@ TEST_F(SynthPluginTest, AFileOfOneFrameHasEveryFrame) {
 TEST_F(SynthPluginTest, FailsTheFramesThatAreToFail) {
     makeBars("fault = 3\nfault = 5");
     EXPECT_FALSE(read(3).valid());
+    EXPECT_TRUE(threads.waitUntilAllIdle()) << "the status is stored after the issuers are told";
     EXPECT_EQ(request->getRequestStatus(), requestFailed);
     EXPECT_EQ(SynthCode::read(read(4)), 4U);
     EXPECT_FALSE(read(5).valid());
