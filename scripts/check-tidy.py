@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy over the library, the hosts, the plug-ins and the tools.
+"""Runs clang-tidy over the library, the hosts and the plug-ins.
 
   scripts/check-tidy.py BUILD_DIR [SOURCE...]
 
@@ -17,7 +17,7 @@ import sys
 
 import sources
 
-FOLDERS = sources.LIBRARY_FOLDERS + ("host", "plugins", "tools")
+FOLDERS = sources.LIBRARY_FOLDERS + ("host", "plugins")
 
 
 def digest(*texts):
@@ -56,13 +56,17 @@ def main():
     def look(source):
         full = str(sources.ROOT / source)
         if full not in commands:
-            return f"{source}: is not built by this configuration"
+            print(f"{source}: is not built by this configuration")
+            return True
         key = digest(headers, commands[full], (sources.ROOT / source).read_text())
-        return look_at(source, str(build), cache / key)
+        finding = look_at(source, str(build), cache / key)
+        if finding:
+            print(finding, flush=True)
+        return finding
 
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as workers:
-        findings = [finding for finding in workers.map(look, chosen) if finding]
-    return sources.report("check-tidy", findings)
+        with_findings = [str(source) for source, finding in zip(chosen, workers.map(look, chosen)) if finding]
+    return sources.report("check-tidy", with_findings, "what was found stands above")
 
 
 if __name__ == "__main__":
