@@ -1,4 +1,4 @@
-# One program for each folder with *Test.cpp.
+# One program for each folder with *Test.cpp. Those below plugins_<plugin>/ hold the plug-in's engine.
 
 # playfile_add_test_folder(FOLDER SOURCE...): the program test_<folder>, FOLDER from tests/ on.
 function(playfile_add_test_folder folder)
@@ -31,6 +31,9 @@ function(playfile_add_test_folder folder)
     add_dependencies(${target} playfile_test_parts)
     if(top MATCHES "^(tools|real)$" AND TARGET playfile_tool)
         target_link_libraries(${target} PRIVATE playfile_tool)
+    endif()
+    if(top MATCHES "^plugins_(.+)$" AND TARGET playfile_${CMAKE_MATCH_1}_engine)
+        target_link_libraries(${target} PRIVATE playfile_${CMAKE_MATCH_1}_engine)
     endif()
     gtest_discover_tests(${target}
         TEST_PREFIX "${folder}/"
