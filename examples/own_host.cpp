@@ -109,6 +109,7 @@ public:
     [[nodiscard]] DirectoryItem getFileInfo(Name const& path) override { return other_.getFileInfo(path); }
     [[nodiscard]] bool createDirectory(Name const& path) override { return other_.createDirectory(path); }
     [[nodiscard]] wchar_t getPathSeparator() const override { return other_.getPathSeparator(); }
+    [[nodiscard]] Ox::Ptr<iVolume> getVolume(Name const& path) override { return other_.getVolume(path); }
     [[nodiscard]] std::uint64_t getFileSize(Name const& path) override { return other_.getFileSize(path); }
     [[nodiscard]] Name getMountedFilename(Name const& name) override {
         return other_.getMountedFilename(name);

@@ -46,10 +46,6 @@ configb FileReadInstance::getDecodeOptionValues() {
 
 void FileReadInstance::setDecodeOptionValues(configb const&) {}
 
-unsigned int FileReadInstance::queueReadRequest(Ox::Ptr<AudioReadRequest>&) {
-    return oxFailure;
-}
-
 void FileReadInstance::readAudio(Ox::Ptr<AudioReadRequest>&) {}
 
 OxResult FileReadInstance::extractFiles(LightweightString<wchar_t> const&, LightweightString<wchar_t> const&,

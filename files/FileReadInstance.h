@@ -19,6 +19,7 @@ class LoggerHandle;
 class VideoReadRequest;
 
 namespace Ox {
+class AudioReadQueue;
 class FileWriterParams;
 class VideoReadQueue;
 }  // namespace Ox
@@ -30,9 +31,10 @@ class VideoReadQueue;
 /// `getDescription`, overrides the two-argument `readVideo` for video, and `updateMetadataFrom` if it
 /// keeps copies of metadata.
 ///
-/// Ownership  Held by `Ox::Ptr`; requests and the cache hold it. It borrows its queue from the pool at
-///            its first video read and gives it back in its destructor.
-/// Threads    `queueReadRequest`: any thread. `readVideo`: the queue's thread, one read at a time.
+/// Ownership  Held by `Ox::Ptr`; requests and the cache hold it. It borrows a queue from the pool at
+///            its first video read, another at its first audio read, and gives them back in its destructor.
+/// Threads    `queueReadRequest`: any thread. `readVideo`, `readAudio`: the thread of their queue, one
+///            read at a time each.
 ///            `purge` and `limitUsage`: any thread, with the cache's lock held. A reader that shares
 ///            state between these guards it itself.
 /// Lock order The cache's lock, `lock`, the pool's lock, the queue's lock.
@@ -48,7 +50,7 @@ public:
     /// The file itself isn't touched.
     FileReadInstance(LightweightString<wchar_t> const& name, DecodeFormat const& format, OpenType type);
 
-    /// Gives the queue back to its pool.
+    /// Gives the queues back to their pools, video's first.
     ~FileReadInstance() override;
 
     /// Merges what another reader found out about the file into `metadata`: what is missing here, all
@@ -68,12 +70,15 @@ public:
     virtual void setDecodeOptionValues(configb const& values);
 
     /// Hands the request to the file's video queue, which is taken from the pool at the first one.
-    /// `request` may come back as an older request for the same frame. The result is the queue's.
+    /// `request` may come back as an older request for the same frame. The result is the queue's: 1.
     ///
-    /// Requires that the file was opened for video.
+    /// Requires that the file was opened for video; 0 otherwise, with the request as it was.
     virtual unsigned int queueReadRequest(Ox::Ptr<VideoReadRequest>& request);
 
-    /// Audio goes no queue's way here: answers 0 and leaves the request as it is.
+    /// Hands the request to the file's audio queue, which is taken from the pool at the first one. The
+    /// result is the queue's: 1.
+    ///
+    /// Requires that the file was opened for audio; 0 otherwise, with the request as it was.
     virtual unsigned int queueReadRequest(Ox::Ptr<AudioReadRequest>& request);
 
     /// Reads a frame for `request` and completes it, or fails it. On the queue's thread.
@@ -85,6 +90,8 @@ public:
     /// @return an `eReadResult`; anything but `frameRead` and `takenOver` fails the request
     virtual unsigned int readVideo(Ox::Ptr<FrameBufferRep>& buffer, Ox::Ptr<VideoReadRequest>& request);
 
+    /// Reads one channel for `request` and ends it; here: nothing. An audio reader leads it to its
+    /// `Ox::AudioReader`. On the audio queue's thread.
     virtual void readAudio(Ox::Ptr<AudioReadRequest>& request);
 
     /// Copies a section of the file into files of their own; here: `oxCannotExtract`.
@@ -110,6 +117,8 @@ public:
 private:
     /// Empty until the first video request. Written once, under `lock`.
     Ox::ExternalPtr<Ox::VideoReadQueue> videoQueue_;
+    /// Empty until the first audio request. Written once, under `lock`.
+    Ox::ExternalPtr<Ox::AudioReadQueue> audioQueue_;
     /// Says to those who don't take `lock` that the pointer is written.
     std::atomic<bool> hasVideoQueue_{false};
 };

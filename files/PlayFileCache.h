@@ -101,6 +101,21 @@ public:
                                             DecodeFormat const& format,
                                             Ox::Ptr<ReadRequestIssuer::Proxy> issuer);
 
+    /// Builds a request for samples of the channel that a cookie names; the caller hands it to
+    /// `queueReadRequest` of the request's file.
+    ///
+    /// @param result           set to the request; untouched on failure
+    /// @param cookie           its channel counts from 1; one that the file doesn't have is served by the
+    ///                         file's first channel
+    /// @param start            first sample; the clip's start offset is added unless `startIsAbsolute`
+    /// @param count            samples; the request is held to the end of the file
+    /// @param issuer           told of the end; may be empty
+    /// @return 1; 0 for a cookie without a channel; else `oxAudioRequestCannotBeServed`: no file, no such
+    ///         channel, or a start behind the end. A failure is logged.
+    [[nodiscard]] OxResult audioReadRequest(Ox::Ptr<AudioReadRequest>& result, Cookie const& cookie,
+                                            unsigned long start, unsigned int count, eProxyLevel proxyLevel,
+                                            Ox::Ptr<ReadRequestIssuer::Proxy> issuer, bool startIsAbsolute);
+
     [[nodiscard]] std::size_t getOpenCount() const { return openCount_.load(std::memory_order_relaxed); }
 
 private:

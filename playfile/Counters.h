@@ -16,6 +16,13 @@ struct PlayFileCounters {
     std::atomic<std::uint64_t> requestsDropped{0};
     std::atomic<std::uint64_t> framesRead{0};
     std::atomic<std::uint64_t> framesFailed{0};
+    std::atomic<std::uint64_t> audioRequestsQueued{0};
+    std::atomic<std::uint64_t> audioRequestsDropped{0};
+    /// Requests that were served from the channels that an earlier read had fetched.
+    std::atomic<std::uint64_t> audioChannelHits{0};
+    /// Reads of a stream, for all of its channels.
+    std::atomic<std::uint64_t> audioStreamReads{0};
+    std::atomic<std::uint64_t> audioReadsFailed{0};
 
     static void add(std::atomic<std::uint64_t>& counter) { counter.fetch_add(1, std::memory_order_relaxed); }
 };

@@ -6,17 +6,6 @@
 #include "video/VideoReadQueue.h"
 #include "video/VideoReadRequest.h"
 
-FileReadInstance::FileReadInstance(LightweightString<wchar_t> const& name, DecodeFormat const& format,
-                                   OpenType type)
-    : PlayFile(name), openType(type), decodeFormat(format) {}
-
-FileReadInstance::~FileReadInstance() {
-    if (videoQueue_) {
-        Ox::giveBack(videoQueuePool(), videoQueue_);
-        releaseQueue(videoQueue_);
-    }
-}
-
 /// The lock is held across the forwarding, so that requests of one file enter its queue one by one.
 unsigned int FileReadInstance::queueReadRequest(Ox::Ptr<VideoReadRequest>& request) {
     ScopedLock const scope(lock);
@@ -24,7 +13,7 @@ unsigned int FileReadInstance::queueReadRequest(Ox::Ptr<VideoReadRequest>& reque
         videoQueue_ = videoQueuePool().getItem();
         hasVideoQueue_.store(true, std::memory_order_release);
     }
-    return videoQueue_->queueReadRequest(request);
+    return videoQueue_ ? videoQueue_->queueReadRequest(request) : oxFailure;
 }
 
 void FileReadInstance::purge() {

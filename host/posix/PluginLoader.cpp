@@ -28,6 +28,9 @@ public:
     }
     void addVideoDecoder(Ox::Ptr<iVideoDecoder> const& decoder) override { decoders_.push_back(decoder); }
     void addCodecKeeper(Ox::Ptr<CodecPool::iKeeper> const& keeper) override { keepers_.push_back(keeper); }
+    void addAudioDecoder(Ox::Ptr<Ox::AudioDecoderInfo> const& decoder, int priority) override {
+        audioDecoders_.emplace_back(decoder, priority);
+    }
 
     void commit() const {
         for (auto const& [reader, priority] : readers_) {
@@ -42,12 +45,16 @@ public:
         for (auto const& keeper : keepers_) {
             CodecPool::addKeeper(keeper);
         }
+        for (auto const& [decoder, priority] : audioDecoders_) {
+            Ox::AudioDecoderInfo::add(decoder, priority);
+        }
     }
 
 private:
     std::vector<std::pair<Ox::Ptr<Ox::FileReaderInfo>, int>> readers_;
     std::vector<Ox::Ptr<iVideoDecoder>> decoders_;
     std::vector<Ox::Ptr<CodecPool::iKeeper>> keepers_;
+    std::vector<std::pair<Ox::Ptr<Ox::AudioDecoderInfo>, int>> audioDecoders_;
 };
 
 struct Loader {

@@ -11,6 +11,7 @@
 #include "host/posix/FileCopy.h"
 #include "host/posix/PosixErrors.h"
 #include "host/posix/PosixFile.h"
+#include "host/posix/PosixVolume.h"
 #include "host/posix/Rename.h"
 
 namespace {
@@ -139,6 +140,10 @@ bool PosixFileManager::createDirectory(Name const& path) {
 Ox::Ptr<iFile> PosixFileManager::openFile(Name const& name, std::uint32_t access, std::uint32_t behaviour,
                                           std::uint32_t share, std::uint32_t) {
     return PosixFile::open(systemPath(name).c_str(), access, behaviour, share);
+}
+
+Ox::Ptr<iVolume> PosixFileManager::getVolume(Name const& path) {
+    return PosixVolume::find(systemPath(path));
 }
 
 std::uint64_t PosixFileManager::getFileSize(Name const& path) {

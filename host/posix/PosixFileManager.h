@@ -20,6 +20,7 @@ public:
     [[nodiscard]] wchar_t getPathSeparator() const override { return L'/'; }
     [[nodiscard]] Ox::Ptr<iFile> openFile(Name const& name, std::uint32_t access, std::uint32_t behaviour,
                                           std::uint32_t share, std::uint32_t option) override;
+    [[nodiscard]] Ox::Ptr<iVolume> getVolume(Name const& path) override;
     [[nodiscard]] std::uint64_t getFileSize(Name const& path) override;
     /// The name itself: what isn't mounted isn't known here.
     [[nodiscard]] Name getMountedFilename(Name const& name) override { return name; }

@@ -75,6 +75,9 @@ public:
     [[nodiscard]] std::uint32_t getSampleFormat() const { return sampleFormat_; }
     [[nodiscard]] Ox::Ptr<iMemHolder> const& getHolder() const { return holder_; }
 
+    void setFlag(bool flag) { flag_ = flag; }
+    void setSampleCount(std::uint32_t sampleCount) { sampleCount_ = sampleCount; }
+
 private:
     std::uint32_t tag_ = 0;
     bool flag_ = false;

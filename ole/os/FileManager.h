@@ -29,6 +29,13 @@ public:
     [[nodiscard]] virtual std::uint64_t getPosition() const = 0;
 };
 
+/// The volume that holds a file.
+class iVolume : public virtual iObject {
+public:
+    /// The unit in which it is best read and written, in bytes.
+    [[nodiscard]] virtual std::uint32_t getBlockSize() const = 0;
+};
+
 /// Every file operation of the library goes through this interface.
 ///
 /// Threads  Any. All operations may block for as long as the file system does.
@@ -91,6 +98,8 @@ public:
     [[nodiscard]] virtual Ox::Ptr<iFile> openFile(LightweightString<wchar_t> const& name,
                                                   std::uint32_t access, std::uint32_t behaviour,
                                                   std::uint32_t share, std::uint32_t option = 0) = 0;
+    /// The volume that holds the file; empty for a path whose volume isn't known.
+    [[nodiscard]] virtual Ox::Ptr<iVolume> getVolume(LightweightString<wchar_t> const& path) = 0;
     /// Bytes; 0 for a missing file.
     [[nodiscard]] virtual std::uint64_t getFileSize(LightweightString<wchar_t> const& path) = 0;
     /// The name as the system sees it once its volume is mounted.

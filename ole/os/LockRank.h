@@ -10,6 +10,7 @@ enum class eLockRank : std::uint8_t {
     file = 20,         ///< `PlayFile::lock`
     pool = 30,         ///< `Ox::Pool`'s lock
     queue = 40,        ///< the lock of a read queue
+    audioReader = 45,  ///< the lock of an `AudioChannelCache`, held for a whole audio read
     issuers = 50,      ///< `IssuersT`'s lock
     accessQueue = 60,  ///< the guard of `Ox::MultipleAccessQueue`
     toolkit = 200,     ///< locks of the host and the toolkit: innermost, nothing is called under them

@@ -34,6 +34,7 @@ public:
                                           std::uint32_t share, std::uint32_t option) override {
         return real_.openFile(name, access, behaviour, share, option);
     }
+    [[nodiscard]] Ox::Ptr<iVolume> getVolume(Name const& path) override { return real_.getVolume(path); }
     [[nodiscard]] std::uint64_t getFileSize(Name const& path) override { return real_.getFileSize(path); }
     [[nodiscard]] Name getMountedFilename(Name const& name) override {
         return real_.getMountedFilename(name);

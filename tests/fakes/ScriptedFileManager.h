@@ -46,6 +46,7 @@ public:
     wchar_t getPathSeparator() const override { return L'/'; }
     Ox::Ptr<iFile> openFile(LightweightString<wchar_t> const& name, std::uint32_t access,
                             std::uint32_t behaviour, std::uint32_t share, std::uint32_t option) override;
+    Ox::Ptr<iVolume> getVolume(LightweightString<wchar_t> const&) override { return {}; }
     std::uint64_t getFileSize(LightweightString<wchar_t> const&) override { return 0; }
     LightweightString<wchar_t> getMountedFilename(LightweightString<wchar_t> const& name) override;
     LightweightString<wchar_t> getDisplayFilename(LightweightString<wchar_t> const& name) override;

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "ole/Ox/OxString.h"
+#include "toolkit/plugins/AudioDecoderInfo.h"
 #include "toolkit/plugins/DecoderInfo.h"
 #include "toolkit/plugins/FileReaderInfo.h"
 
@@ -16,13 +17,15 @@ public:
     virtual void addFileReader(Ox::Ptr<Ox::FileReaderInfo> const& reader, int priority) = 0;
     virtual void addVideoDecoder(Ox::Ptr<iVideoDecoder> const& decoder) = 0;
     virtual void addCodecKeeper(Ox::Ptr<CodecPool::iKeeper> const& keeper) = 0;
+    /// @param priority  lower numbers are tried first; 100 is usual
+    virtual void addAudioDecoder(Ox::Ptr<Ox::AudioDecoderInfo> const& decoder, int priority) = 0;
 
 protected:
     ~iPluginRegistrar() = default;
 };
 
 /// Raised whenever a plug-in built against older headers would no longer work.
-inline constexpr std::uint32_t pluginInterfaceVersion = 1;
+inline constexpr std::uint32_t pluginInterfaceVersion = 2;
 
 /// The entry point that every plug-in exports under the name `playfile_registerPlugin`.
 ///

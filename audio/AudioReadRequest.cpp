@@ -1,0 +1,25 @@
+#include "audio/AudioReadRequest.h"
+
+AudioReadRequest::AudioReadRequest(Ox::Ptr<FileReadInstance>& readFrom, AudioRequest const& request,
+                                   unsigned int samplesToFetch, Ox::Ptr<ReadRequestIssuer::Proxy> issuer)
+    : AudioRequest(request), issuers(issuer), file(readFrom), mcsCount(samplesToFetch) {}
+
+Aud::Metadata const* AudioReadRequest::findStream() const {
+    std::vector<Aud::Metadata> const& streams = getAudioMetadata();
+    return stream < streams.size() ? &streams[stream] : nullptr;
+}
+
+std::uint64_t AudioReadRequest::getStartByte() const {
+    Aud::Metadata const* const format = findStream();
+    return format ? startSample * format->bytesPerSample * format->channels : 0;
+}
+
+std::uint32_t AudioReadRequest::getBytesPerMCS() const {
+    Aud::Metadata const* const format = findStream();
+    return format ? mcsCount * format->bytesPerSample * format->channels : 0;
+}
+
+std::uint32_t AudioReadRequest::getChannelIndex() const {
+    Aud::Metadata const* const format = findStream();
+    return channelInStream + (format ? stream * format->channels : 0);
+}
