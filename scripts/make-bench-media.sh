@@ -6,28 +6,12 @@
 # Without names everything is made. What is there and younger than this script is left alone. The
 # pictures move and bear noise, so that they cost a decoder what a camera's pictures do.
 set -euo pipefail
-
-if [ $# -lt 1 ] || [ "${1#-}" != "$1" ]; then
-    sed -n '2,/^set /s/^# \{0,1\}//p' "$0" | sed '/^set /d'
-    exit 2
-fi
-if ! command -v ffmpeg >/dev/null; then
-    echo "make-bench-media: the ffmpeg program is missing; run scripts/install-deps.sh" >&2
-    exit 1
-fi
-
-script=$(readlink -f "$0")
-mkdir -p "$1"
-dir=$(cd "$1" && pwd)
-shift
-scratch=$(mktemp -d "$dir/.making-XXXXXX")
-trap 'rm -rf "$scratch"' EXIT
+. "$(dirname "$0")/media.sh"
 
 # encode FRAMES PIXEL_FORMAT OUT ENCODER_OPTION...
 encode() {
-    ffmpeg -hide_banner -loglevel error -nostdin -y \
-        -f lavfi -i "testsrc2=size=1920x1080:rate=25,noise=alls=6:allf=t:all_seed=1,format=$2" \
-        -frames:v "$1" "${@:4}" -fflags +bitexact -flags:v +bitexact "$3" </dev/null
+    run -f lavfi -i "testsrc2=size=1920x1080:rate=25,noise=alls=6:allf=t:all_seed=1,format=$2" \
+        -frames:v "$1" "${@:4}" -fflags +bitexact -flags:v +bitexact "$3"
 }
 
 # Groups of 5 seconds, three B-frames in a row that no other frame refers to.
@@ -42,22 +26,4 @@ make_dnxhr-hq.mxf() { encode 75 yuv422p "$1" -c:v dnxhd -profile:v dnxhr_hq; }
 make_mjpeg.mov() { encode 75 yuvj422p "$1" -c:v mjpeg -q:v 3; }
 make_png.mov() { encode 50 rgb24 "$1" -c:v png -compression_level 3; }
 
-all=$(declare -F | sed -n 's/^declare -f make_//p')
-for name in "${@:-$all}"; do
-    for each in $name; do
-        if ! declare -F "make_$each" >/dev/null; then
-            echo "make-bench-media: no clip is called '$each'; there are:" $all >&2
-            exit 2
-        fi
-        if [ -e "$dir/$each" ] && [ "$dir/$each" -nt "$script" ]; then
-            continue
-        fi
-        if ! "make_$each" "$scratch/$each"; then
-            echo "make-bench-media: $each could not be made (ffmpeg said why above)" >&2
-            exit 1
-        fi
-        mv -T "$scratch/$each" "$dir/$each"
-        touch "$dir/$each"
-        echo "made $dir/$each"
-    done
-done
+bring_media "$@"

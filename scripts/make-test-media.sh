@@ -10,30 +10,13 @@
 # i (from the left, from 0) is white where bit i of the frame's number, counted from 0 in display
 # order, is set, and black where it is not.
 set -euo pipefail
-
-if [ $# -lt 1 ] || [ "${1#-}" != "$1" ]; then
-    sed -n '2,/^set /s/^# \{0,1\}//p' "$0" | sed '/^set /d'
-    exit 2
-fi
-if ! command -v ffmpeg >/dev/null; then
-    echo "make-test-media: the ffmpeg program is missing; run scripts/install-deps.sh" >&2
-    exit 1
-fi
-
-script=$(readlink -f "$0")
-mkdir -p "$1"
-dir=$(cd "$1" && pwd)
-shift
-scratch=$(mktemp -d "$dir/.making-XXXXXX")
-trap 'rm -rf "$scratch"' EXIT
-
-run() { ffmpeg -hide_banner -loglevel error -nostdin -y "$@" </dev/null; }
+. "$(dirname "$0")/media.sh"
 
 # stamped WIDTHxHEIGHT RATE FRAMES PIXEL_FORMAT: a lossless master with the stamp in it; sets $master.
 stamped() {
     master="$scratch/master-$1-${2//\//_}-$3-$4.mkv"
     [ -e "$master" ] && return
-    local bit="mod(floor(N/pow(2,floor(X/16))),2)" strip="lt(X,192)*lt(Y,16)"
+    local bit="mod(floor(N/pow(2,floor(X/16))),2)"
     run -f lavfi -i "testsrc2=size=$1:rate=$2,format=yuv444p" -frames:v "$3" -vf "
         split[whole][top]; [top]crop=192:16:0:0,
         geq=lum='16+219*$bit':cb=128:cr=128[stamp]; [whole][stamp]overlay=0:0:format=yuv444,
@@ -184,34 +167,4 @@ make_video-and-cover-art.mp4() {
 make_text-named.mov() { echo "These are words and no pictures." >"$1"; }
 make_empty.mp4() { : >"$1"; }
 
-all=$(declare -F | sed -n 's/^declare -f make_//p')
-for name in "${@:-$all}"; do
-    for each in $name; do
-        if ! declare -F "make_$each" >/dev/null; then
-            echo "make-test-media: no medium is called '$each'; there are:" $all >&2
-            exit 2
-        fi
-        if [ -e "$dir/$each" ] && [ "$dir/$each" -nt "$script" ]; then
-            continue
-        fi
-        # A shell of its own, so that its first failing command ends it and the code can be seen here.
-        set +e
-        (
-            set -e
-            "make_$each" "$scratch/$each"
-        )
-        code=$?
-        set -e
-        if [ $code = 77 ]; then
-            echo "left out $each: this ffmpeg has no encoder for it"
-            continue
-        elif [ $code != 0 ]; then
-            echo "make-test-media: $each could not be made (ffmpeg said why above)" >&2
-            exit 1
-        fi
-        rm -rf "${dir:?}/$each"
-        mv -T "$scratch/$each" "$dir/$each"
-        touch "$dir/$each"
-        echo "made $dir/$each"
-    done
-done
+bring_media "$@"
