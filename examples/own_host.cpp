@@ -7,6 +7,7 @@
 /// catalogue knows one clip, the preferences lie in a map, log lines go to standard output with a mark,
 /// and the file manager counts the files that it opens and leaves the work to the one before it.
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <future>
 #include <map>
@@ -128,9 +129,23 @@ class Waiter : public ReadRequestIssuer {
 public:
     ~Waiter() override { withdraw(); }
     void requestCompleted(Ox::Ptr<iObject>&, RequestStatus status) override { end_.set_value(status); }
-    RequestStatus wait() { return end_.get_future().get(); }
+
+    /// Who joins a read that is just ending, or one that has failed and is still held, isn't called: so
+    /// the request's status is looked at, too.
+    RequestStatus waitFor(VideoReadRequest const& request) {
+        std::future<RequestStatus> called = end_.get_future();
+        while (called.wait_for(lookInterval) != std::future_status::ready) {
+            RequestStatus const status = request.getRequestStatus();
+            if (status == requestComplete || status == requestFailed) {
+                return status;
+            }
+        }
+        return called.get();
+    }
 
 private:
+    static constexpr std::chrono::milliseconds lookInterval{20};
+
     std::promise<RequestStatus> end_;
 };
 
@@ -140,7 +155,7 @@ bool showFirstFrame(Cookie const& clip) {
     Ox::Ptr<VideoReadRequest> request;
     OxResult const result = PlayFileCache::Shared()->videoReadRequest(
         request, clip, 0, false, resultDecompressed, DecodeFormat::getDefault(), waiter.getProxy());
-    if (result != oxSuccess || waiter.wait() != requestComplete) {
+    if (result != oxSuccess || waiter.waitFor(*request) != requestComplete) {
         return false;
     }
     Ox::Image::Surface picture;

@@ -1,4 +1,5 @@
 /// Reads frame 0 of a file and prints its size:  example_read_a_frame PLUGIN_FOLDER FILE
+#include <chrono>
 #include <cstdio>
 #include <future>
 
@@ -11,6 +12,18 @@
 struct Waiter : ReadRequestIssuer {
     ~Waiter() override { withdraw(); }
     void requestCompleted(Ox::Ptr<iObject>&, RequestStatus status) override { end.set_value(status); }
+
+    // Who joins a read that is just ending or has failed isn't called, so the status is looked at, too.
+    RequestStatus waitFor(VideoReadRequest const& request) {
+        std::future<RequestStatus> called = end.get_future();
+        while (called.wait_for(std::chrono::milliseconds(20)) != std::future_status::ready) {
+            RequestStatus const status = request.getRequestStatus();
+            if (status == requestComplete || status == requestFailed) {
+                return status;
+            }
+        }
+        return called.get();
+    }
     std::promise<RequestStatus> end;
 };
 
@@ -23,7 +36,7 @@ int main(int argc, char** argv) {
     Ox::Ptr<VideoReadRequest> request;
     OxResult const result = PlayFileCache::Shared()->videoReadRequest(
         request, clip, 0, false, resultDecompressed, DecodeFormat::getDefault(), waiter.getProxy());
-    bool const isRead = result == oxSuccess && waiter.end.get_future().get() == requestComplete;
+    bool const isRead = result == oxSuccess && waiter.waitFor(*request) == requestComplete;
     if (isRead) {
         Ox::Image::Surface picture;
         request->getResultBuffer()->getSurface(0, picture);

@@ -93,7 +93,8 @@ public:
     /// @param frame       on the clip's time line; half the clip's start offset is added
     /// @param ignored     has no effect
     /// @param format      the picture that is wanted
-    /// @param issuer      told of the end, perhaps before this returns; may be empty
+    /// @param issuer      told of the end, perhaps before this returns; may be empty. It may never be told
+    ///                    of a read that it joined late, see `ReadRequestIssuer`; the status says it
     /// @return 1, or `oxFrameNotAvailable` if the file can't be opened or has no such frame
     /// Deliberate  It works on `Shared()`, whichever object it is called on.
     [[nodiscard]] OxResult videoReadRequest(Ox::Ptr<VideoReadRequest>& request, Cookie const& cookie,

@@ -44,10 +44,12 @@ std::string firstCodeOf(std::string const& page) {
     return page.substr(text, page.find("```\n", text) - text);
 }
 
+std::string quoted(std::string const& path) {
+    return " '" + path + "'";
+}
+
 class ExamplePrograms : public ::testing::Test {
 protected:
-    [[nodiscard]] static std::string quoted(std::string const& path) { return " '" + path + "'"; }
-
     PpmFolder folder_;
     std::string const plugins_ = quoted(PLAYFILE_EXAMPLE_PLUGIN_DIR);
 };
@@ -77,6 +79,35 @@ TEST_F(ExamplePrograms, OwnHostFailsOnAFileThatNobodyReads) {
     std::string const clip = folder_.write("clip.ppm", "words");
     EXPECT_EQ(run("example_own_host", plugins_ + quoted(clip)).code, 1);
 }
+
+/// Each of the programs that wait for a read, on reads of whose end nobody is told.
+class WaitingProgram : public ::testing::TestWithParam<char const*> {
+protected:
+    WaitingProgram() {
+        std::filesystem::create_symlink(PLAYFILE_TEST_PLUGIN_DIR "/tells_nobody.so",
+                                        folder_.pathOf("tells_nobody.so"));
+    }
+    [[nodiscard]] Outcome runOn(std::string const& content) const {
+        return run(GetParam(), quoted(folder_.pathOf("")) + quoted(folder_.write("clip.late", content)));
+    }
+
+    PpmFolder folder_;
+};
+
+TEST_P(WaitingProgram, SeesByTheStatusThatTheReadIsComplete) {
+    Outcome const outcome = runOn("good");
+    EXPECT_NE(outcome.output.find("frame 0 is 5 x 3\n"), std::string::npos) << outcome.output;
+}
+
+TEST_P(WaitingProgram, SeesByTheStatusThatTheReadHasFailed) {
+    EXPECT_EQ(runOn("fail").code, 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Examples, WaitingProgram,
+                         ::testing::Values("example_read_a_frame", "example_own_host"),
+                         [](::testing::TestParamInfo<char const*> const& program) {
+                             return std::string(program.param);
+                         });
 
 TEST(Readme, ShowsTheExampleThatReadsAFrame) {
     std::string const example = contentOf("examples/read_a_frame.cpp");

@@ -13,6 +13,9 @@
 /// Threads    `requestCompleted` comes on the read queue's thread, or on the thread that asked when the
 ///            frame is there already, and may come before that call has returned. It runs with locks of
 ///            the read held: it must not wait for another thread that reads, nor ask for a read itself.
+/// Deliberate It is called once at most. It isn't if its request was merged into one that has just told
+///            its issuers, or into one that has failed and is still held: a caller that waits does so
+///            with a time limit, and looks at the request's status each time the limit has passed.
 class ReadRequestIssuer {
 public:
     class Proxy;
