@@ -13,7 +13,7 @@ import sources
 # The first pattern that matches a path gives its rank.
 RANKS = [
     (r"ole/os/Memory\b", 0),
-    (r"ole/Ox/Ox(DecouplingQueue|Pool|MultipleAccessQueue)", 2),
+    (r"ole/Ox/Ox(DecouplingQueue|Pool|MultipleAccessQueue|QueueRelease)", 2),
     (r"ole/Ox/", 0),
     (r"ole/os/", 1),
     (r"toolkit/", 2),
