@@ -32,8 +32,8 @@ function(playfile_add_test_folder folder)
     if(top MATCHES "^(tools|real)$" AND TARGET playfile_tool)
         target_link_libraries(${target} PRIVATE playfile_tool)
     endif()
-    if(top MATCHES "^plugins_(.+)$" AND TARGET playfile_${CMAKE_MATCH_1}_engine)
-        target_link_libraries(${target} PRIVATE playfile_${CMAKE_MATCH_1}_engine)
+    if(top MATCHES "^plugins_(.+)$")
+        playfile_link(${target} playfile_${CMAKE_MATCH_1}_engine)
     endif()
     gtest_discover_tests(${target}
         TEST_PREFIX "${folder}/"
