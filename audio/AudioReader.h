@@ -90,7 +90,7 @@ protected:
     ~AudioReader() = default;
 
     std::vector<Aud::Metadata>& streams;
-    /// The compressed frame that was handed to the decoder last; `noFrame` after `initAudioCodec`.
+    /// The compressed frame that was handed to the decoder last; `nothingFed` after `initAudioCodec`.
     std::map<int, std::uint64_t> lastFrameRead;
     /// A stream with a decoder here is compressed.
     std::map<int, Ptr<AudioCodecInstance>> codecs;
@@ -99,7 +99,7 @@ protected:
     /// Zeroes for streams that aren't played; it only grows.
     Aud::StreamBuffer silence;
 
-    static constexpr std::uint64_t noFrame = ~std::uint64_t{0};
+    static constexpr std::uint64_t nothingFed = ~std::uint64_t{0};
 
 private:
     /// What one read comes to: the code, and whether the request is complete all the same.

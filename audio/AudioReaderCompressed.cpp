@@ -154,7 +154,7 @@ OxResult AudioReader::accept(unsigned int stream, Ptr<AudioCodecInstance> const&
     streams[stream] = instance->metadata;
     instance->resetToStart();
     codecs[static_cast<int>(stream)] = instance;
-    lastFrameRead[static_cast<int>(stream)] = noFrame;
+    lastFrameRead[static_cast<int>(stream)] = nothingFed;
     return AudioCodecInstance::accepted;
 }
 
@@ -211,7 +211,7 @@ OxResult AudioReader::position(unsigned int stream, std::uint64_t frame, DecodeA
         }
         return result;
     }
-    if (last != noFrame) {
+    if (last != nothingFed) {
         codec.resetToStart();
         return oxSuccess;
     }

@@ -1,10 +1,13 @@
 #include "plugins/synth/SynthFile.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 #include "ole/os/OS.h"
 #include "plugins/synth/SynthCode.h"
 #include "plugins/synth/SynthPicture.h"
+#include "plugins/synth/SynthTone.h"
 #include "toolkit/services/Log.h"
 #include "video/VideoReadRequest.h"
 
@@ -27,11 +30,19 @@ void waitWhileThere(std::string const& path) {
 
 SynthFile::SynthFile(LightweightString<wchar_t> const& name, DecodeFormat const& format, OpenType type,
                      SynthSettings settings, Ox::Ptr<iFile> handle)
-    : FileReadInstance(name, format, type), settings_(std::move(settings)), handle_(std::move(handle)) {
-    describe();
+    : FileReadInstance(name, format, type),
+      Ox::AudioReader(metadata->audioStreams),
+      settings_(std::move(settings)),
+      handle_(std::move(handle)) {
+    metadata->extraConfig.set("container", "synth");
+    metadata->extraConfig.set("codec", "synth");
+    if (settings_.frames != 0) {
+        describePicture();
+    }
+    describeSound();
 }
 
-void SynthFile::describe() {
+void SynthFile::describePicture() {
     PlayFileMetadataRep& data = *metadata;
     Ox::Image::FormatDescription const& format = *Ox::Image::describeFormat(settings_.format);
     data.videoSampleCount = settings_.frames;
@@ -50,8 +61,27 @@ void SynthFile::describe() {
     data.frameGrouped = settings_.group != 0;
     data.framesPerGroup = settings_.group;
     data.setReadStreaming(settings_.streaming);
-    data.extraConfig.set("container", "synth");
-    data.extraConfig.set("codec", "synth");
+}
+
+void SynthFile::describeSound() {
+    for (SynthSettings::Sound const& sound : settings_.sound) {
+        Aud::Metadata& stream = metadata->audioStreams.emplace_back();
+        stream.channels = sound.channels;
+        stream.sampleFormat = sound.format;
+        stream.bytesPerSample = Aud::bytesPerSampleOf(sound.format);
+        stream.bitsPerSample = stream.bytesPerSample * 8;
+        stream.sampleRate = sound.samplesPerSecond;
+        stream.codec = "synth";
+    }
+    metadata->audioSampleCount = settings_.samples;
+    metadata->audioInfoCount = static_cast<std::uint32_t>(settings_.sound.size());
+}
+
+void SynthFile::waitAsItsTextSays() const {
+    waitWhileThere(settings_.hold);
+    if (settings_.delay != 0) {
+        OS()->getThreads().sleep(settings_.delay);
+    }
 }
 
 bool SynthFile::canMake(std::uint32_t position) const {
@@ -62,10 +92,7 @@ bool SynthFile::canMake(std::uint32_t position) const {
 unsigned int SynthFile::readVideo(Ox::Ptr<FrameBufferRep>& buffer,
                                   Ox::Ptr<VideoReadRequest>& request) noexcept {
     try {
-        waitWhileThere(settings_.hold);
-        if (settings_.delay != 0) {
-            OS()->getThreads().sleep(settings_.delay);
-        }
+        waitAsItsTextSays();
         std::uint32_t const position = request->frame - static_cast<std::uint32_t>(settings_.origin);
         if (!canMake(position)) {
             return noFrame;
@@ -82,4 +109,35 @@ unsigned int SynthFile::readVideo(Ox::Ptr<FrameBufferRep>& buffer,
         LogBoth("synth: \"%ls\": %s\n", filename.c_str(), error.what());
         return noFrame;
     }
+}
+
+OxResult SynthFile::readAudioSamples(unsigned int stream, unsigned long sample, unsigned int count,
+                                     Ox::Ptr<ByteBufferImpl>& buffer, unsigned int& samplesRead,
+                                     unsigned int&, unsigned int&) {
+    waitAsItsTextSays();
+    std::uint64_t const end = std::min<std::uint64_t>(sample + count, settings_.samples);
+    if (sample >= end) {
+        return oxEndOfData;
+    }
+    auto const fault = settings_.soundfault.lower_bound(sample);
+    if (fault != settings_.soundfault.end() && *fault < end) {
+        return oxFailure;
+    }
+    std::uint32_t channelsBefore = 0;
+    for (unsigned int before = 0; before < stream; ++before) {
+        channelsBefore += settings_.sound[before].channels;
+    }
+    SynthSettings::Sound const& sound = settings_.sound[stream];
+    std::uint32_t const bytes = Aud::bytesPerSampleOf(sound.format);
+    std::array<std::uint8_t, sizeof(std::int32_t)> value{};
+    for (std::uint64_t at = sample; at < end; ++at) {
+        for (std::uint32_t channel = 0; channel < sound.channels; ++channel) {
+            static_cast<void>(
+                SynthTone::put(SynthTone::valueOf(channelsBefore + channel, at, sound.samplesPerSecond),
+                               sound.format, value.data()));
+            buffer->append(value.data(), bytes);
+        }
+    }
+    samplesRead = static_cast<unsigned int>(end - sample);
+    return samplesRead == count ? oxSuccess : oxEndOfData;
 }

@@ -2,14 +2,15 @@
 
 #include <string>
 
+#include "audio/AudioReader.h"
 #include "files/FileReadInstance.h"
 #include "ole/os/FileManager.h"
 #include "plugins/synth/SynthSettings.h"
 
-/// A made file that is open: each read makes the picture of its frame.
+/// A made file that is open: each read makes the picture of its frame, or the samples of its tones.
 ///
 /// Ownership  It keeps the file itself open for its life, as readers of real files do.
-class SynthFile : public FileReadInstance {
+class SynthFile : public FileReadInstance, public Ox::AudioReader {
 public:
     using FileReadInstance::readVideo;
 
@@ -25,8 +26,16 @@ public:
     unsigned int readVideo(Ox::Ptr<FrameBufferRep>& buffer,
                            Ox::Ptr<VideoReadRequest>& request) noexcept override;
 
+    void readAudio(Ox::Ptr<AudioReadRequest>& request) override { Ox::AudioReader::readAudio(request); }
+    OxResult readAudioSamples(unsigned int stream, unsigned long sample, unsigned int count,
+                              Ox::Ptr<ByteBufferImpl>& buffer, unsigned int& samplesRead,
+                              unsigned int& skipStart, unsigned int& skipEnd) override;
+    [[nodiscard]] bool readsByVideoSamples() override { return false; }
+
 private:
-    void describe();
+    void describePicture();
+    void describeSound();
+    void waitAsItsTextSays() const;
     [[nodiscard]] bool canMake(std::uint32_t position) const;
 
     SynthSettings const settings_;

@@ -52,6 +52,11 @@ bool SynthReader::canOpen(LightweightString<wchar_t> const& filename, OpenType) 
 }
 
 std::uint32_t SynthReader::getReadableTypes(LightweightString<wchar_t> const& filename, OpenType type,
-                                            PlayFileMetadataRep*, Aud::Metadata const&) noexcept {
-    return canOpen(filename, type) ? OpenType(OpenType::video).mask() : 0U;
+                                            PlayFileMetadataRep* metadata, Aud::Metadata const&) noexcept {
+    if (!canOpen(filename, type)) {
+        return 0;
+    }
+    std::uint32_t const picture = metadata->videoInfoCount != 0 ? OpenType(OpenType::video).mask() : 0U;
+    std::uint32_t const sound = metadata->audioInfoCount != 0 ? OpenType(OpenType::audio).mask() : 0U;
+    return picture | sound;
 }

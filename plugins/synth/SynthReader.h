@@ -2,7 +2,7 @@
 
 #include "toolkit/plugins/FileReaderInfo.h"
 
-/// Reads files named `*.synth`, whose frames are made from their names and texts.
+/// Reads files named `*.synth`, whose frames and tones are made from their names and texts.
 ///
 /// Errors  What can't be understood is logged with its line, and the file doesn't open.
 class SynthReader : public Ox::FileReaderInfo {

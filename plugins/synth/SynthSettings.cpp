@@ -11,6 +11,9 @@ namespace {
 
 constexpr std::uint32_t largestSide = 16384;
 constexpr std::uint32_t longestDelayMs = 60000;
+constexpr std::uint32_t mostChannels = 64;
+constexpr std::uint32_t mostSamplesPerSecond = 768000;
+constexpr std::uint64_t mostSamples = std::uint64_t{1} << 48U;
 
 using Malformed = SynthSettings::Malformed;
 
@@ -92,6 +95,28 @@ bool isYes(std::string_view text) {
 
 std::uint32_t sideOf(std::string_view text) {
     return numberOf<std::uint32_t>(text, 1, largestSide);
+}
+
+/// The next word of a text, which is taken off it.
+std::string_view takeWord(std::string_view& text) {
+    text = trimmed(text);
+    std::string_view const word = text.substr(0, text.find(' '));
+    text.remove_prefix(word.size());
+    return word;
+}
+
+SynthSettings::Sound soundOf(std::string_view text) {
+    SynthSettings::Sound sound;
+    sound.channels = numberOf<std::uint32_t>(takeWord(text), 1, mostChannels);
+    std::string_view const form = takeWord(text);
+    for (Aud::eSampleFormat const format : {Aud::sampleS16, Aud::sampleS24, Aud::sampleS32}) {
+        sound.format = form == Aud::nameOf(format) ? format : sound.format;
+    }
+    if (form != Aud::nameOf(sound.format)) {
+        throw Malformed("\"" + std::string(form) + "\" is none of s16, s24, s32");
+    }
+    sound.samplesPerSecond = numberOf<std::uint32_t>(trimmed(text), 1, mostSamplesPerSecond);
+    return sound;
 }
 
 std::string_view stemOf(std::string_view name) {
@@ -176,6 +201,10 @@ void SynthSettings::take(std::string_view key, std::string_view value) {
         {"orientation", [](auto& s, auto v) { s.orientation = numberOf<std::uint8_t>(v, 1, 8); }},
         {"group", [](auto& s, auto v) { s.group = numberOf<std::uint16_t>(v, 0, 65535); }},
         {"streaming", [](auto& s, auto v) { s.streaming = isYes(v); }},
+        {"sound", [](auto& s, auto v) { s.sound.push_back(soundOf(v)); }},
+        {"samples", [](auto& s, auto v) { s.samples = numberOf<std::uint64_t>(v, 1, mostSamples); }},
+        {"soundfault",
+         [](auto& s, auto v) { s.soundfault.insert(numberOf<std::uint64_t>(v, 0, mostSamples)); }},
         {"delay", [](auto& s, auto v) { s.delay = numberOf(v, 0U, longestDelayMs); }},
         {"fault", [](auto& s, auto v) { s.fault.insert(numberOf(v, 0U, highest)); }},
         {"failopen", [](auto& s, auto v) { s.failopen = isYes(v); }},
@@ -190,17 +219,20 @@ void SynthSettings::take(std::string_view key, std::string_view value) {
 }
 
 void SynthSettings::check() const {
+    bool const hasPicture = frames != 0 || sound.empty();
     struct Needed {
         char const* key;
         bool isStated;
     };
-    for (auto const& [key, isStated] : {Needed{"frames", frames != 0}, Needed{"width", width != 0},
-                                        Needed{"height", height != 0}, Needed{"rate", rate.numerator != 0}}) {
+    for (auto const& [key, isStated] :
+         {Needed{"frames", !hasPicture || frames != 0}, Needed{"width", !hasPicture || width != 0},
+          Needed{"height", !hasPicture || height != 0}, Needed{"rate", !hasPicture || rate.numerator != 0},
+          Needed{"samples", sound.empty() || samples != 0}}) {
         if (!isStated) {
             throw Malformed(std::string(key) + " is stated neither in the name nor in the text");
         }
     }
-    if (width < SynthCode::smallestWidth || height < SynthCode::smallestHeight) {
+    if (hasPicture && (width < SynthCode::smallestWidth || height < SynthCode::smallestHeight)) {
         throw Malformed("a picture has at least " + std::to_string(SynthCode::smallestWidth) + " x " +
                         std::to_string(SynthCode::smallestHeight) + " pixels");
     }

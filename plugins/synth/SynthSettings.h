@@ -5,9 +5,11 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "toolkit/image/Format.h"
 #include "toolkit/image/VideoDescription.h"
+#include "toolkit/sound/SampleFormat.h"
 
 /// What a made file is to be like: from parts of its name, then from the lines of its text, which win.
 ///
@@ -28,7 +30,14 @@ struct SynthSettings {
     /// @param text  all of the file, UTF-8
     [[nodiscard]] static SynthSettings parse(std::string_view name, std::string_view text);
 
-    // Must be stated.
+    /// The channels of one audio stream.
+    struct Sound {
+        std::uint32_t channels = 0;
+        Aud::eSampleFormat format = Aud::sampleS16;
+        std::uint32_t samplesPerSecond = 0;
+    };
+
+    // Must be stated, unless the file has sound: without frames it then has no picture.
     std::uint32_t frames = 0;
     std::uint32_t width = 0;
     std::uint32_t height = 0;
@@ -42,6 +51,14 @@ struct SynthSettings {
     /// Frames of a group that is read whole; 0: they aren't grouped.
     std::uint16_t group = 0;
     bool streaming = false;
+
+    /// The audio streams: `sound = CHANNELS FORMAT RATE`, as in `sound = 2 s24 48000`, for each; the forms
+    /// are s16, s24 and s32.
+    std::vector<Sound> sound;
+    /// Samples of each stream.
+    std::uint64_t samples = 0;
+    /// Samples, counted from 0, whose reads fail. The key may come more than once.
+    std::set<std::uint64_t> soundfault;
 
     /// What each read takes at least.
     std::uint32_t delay = 0;

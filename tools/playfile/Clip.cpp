@@ -15,15 +15,14 @@ constexpr std::uint8_t firstVideoChannel = 0;
 constexpr std::uint8_t firstAudioChannel = 1;
 constexpr unsigned firstAudioStream = 0;
 
-/// What the first reader makes of the file that opens it at all; empty if none does.
-Ox::Ptr<FileReadInstance> probe(LightweightString<wchar_t> const& name) {
+/// What the first reader makes of the file that opens it for that medium; empty if none does.
+Ox::Ptr<FileReadInstance> probe(LightweightString<wchar_t> const& name, OpenType type) {
     for (std::uint8_t index = 0; index < Ox::FileReaderInfo::getNumFileReaders(); ++index) {
         Ox::Ptr<Ox::FileReaderInfo> const reader = Ox::FileReaderInfo::getFileReaders(index);
-        if (!reader || !reader->canOpen(name, OpenType::video)) {
+        if (!reader || !reader->canOpen(name, type)) {
             continue;
         }
-        if (Ox::Ptr<FileReadInstance> file =
-                reader->openFile(name, DecodeFormat::getDefault(), OpenType::video)) {
+        if (Ox::Ptr<FileReadInstance> file = reader->openFile(name, DecodeFormat::getDefault(), type)) {
             return file;
         }
     }
@@ -47,10 +46,14 @@ Clip::Clip(Session& session, std::string const& argument)
     }
 }
 
+Cookie Clip::addChannel(Session& session, std::uint8_t channel) const {
+    Cookie const cookie = input_.cookie('S', channel);
+    session.addToCatalogue(cookie, input_.widePath());
+    return cookie;
+}
+
 Ox::Ptr<FileReadInstance> Clip::openVideo() const {
-    Ox::Ptr<FileReadInstance> file =
-        PlayFileCache::Shared()->open(videoCookie_, DecodeFormat::getDefault(), firstAudioStream);
-    if (file) {
+    if (Ox::Ptr<FileReadInstance> file = open(videoCookie_)) {
         return file;
     }
     if (!describe()) {
@@ -59,11 +62,36 @@ Ox::Ptr<FileReadInstance> Clip::openVideo() const {
     throw CommandError(inQuotes(input_.path()) + " has no video stream; 'playfile info' tells what it holds");
 }
 
-Ox::Ptr<FileReadInstance> Clip::openAny() const {
-    PlayFileCache& cache = *PlayFileCache::Shared();
-    Ox::Ptr<FileReadInstance> file = cache.open(videoCookie_, DecodeFormat::getDefault(), firstAudioStream);
+Ox::Ptr<FileReadInstance> Clip::openAudio() const {
+    if (Ox::Ptr<FileReadInstance> file = open(audioCookie_)) {
+        return file;
+    }
+    if (!describe()) {
+        refuse();
+    }
+    throw CommandError(inQuotes(input_.path()) + " has no sound; 'playfile info' tells what it holds");
+}
+
+Ox::Ptr<FileReadInstance> Clip::tryVideo() const {
+    Ox::Ptr<FileReadInstance> file = open(videoCookie_);
     if (!file) {
-        file = cache.open(audioCookie_, DecodeFormat::getDefault(), firstAudioStream);
+        static_cast<void>(describe());
+    }
+    return file;
+}
+
+Ox::Ptr<FileReadInstance> Clip::trySound() const {
+    Ox::Ptr<FileReadInstance> file = open(audioCookie_);
+    if (!file) {
+        static_cast<void>(describe());
+    }
+    return file;
+}
+
+Ox::Ptr<FileReadInstance> Clip::openAny() const {
+    Ox::Ptr<FileReadInstance> file = open(videoCookie_);
+    if (!file) {
+        file = open(audioCookie_);
     }
     if (!file) {
         file = describe();
@@ -74,10 +102,17 @@ Ox::Ptr<FileReadInstance> Clip::openAny() const {
     return file;
 }
 
+Ox::Ptr<FileReadInstance> Clip::open(Cookie const& cookie) const {
+    return PlayFileCache::Shared()->open(cookie, DecodeFormat::getDefault(), firstAudioStream);
+}
+
 /// Asks the readers without the cache, which only opens a file for a medium that it can serve. A file
 /// that opens well and merely lacks a medium has done nothing to be marked for.
 Ox::Ptr<FileReadInstance> Clip::describe() const {
-    Ox::Ptr<FileReadInstance> file = probe(input_.widePath());
+    Ox::Ptr<FileReadInstance> file = probe(input_.widePath(), OpenType::video);
+    if (!file) {
+        file = probe(input_.widePath(), OpenType::audio);
+    }
     if (file) {
         QuarantinedFiles::remove(input_.widePath());
     }

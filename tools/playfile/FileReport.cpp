@@ -1,6 +1,7 @@
 #include "tools/playfile/FileReport.h"
 
 #include "toolkit/image/Format.h"
+#include "toolkit/sound/SampleFormat.h"
 #include "tools/playfile/ColourNames.h"
 
 namespace cli {
@@ -107,7 +108,7 @@ Json describeStream(Aud::Metadata const& stream) {
     json["sampleRate"] = stream.sampleRate;
     json["bitsPerSample"] = stream.bitsPerSample;
     json["bytesPerSample"] = stream.bytesPerSample;
-    json["sampleFormat"] = stream.sampleFormat;
+    json["sampleFormat"] = Aud::nameOf(static_cast<Aud::eSampleFormat>(stream.sampleFormat));
     json["isCompressed"] = stream.isCompressedFormat();
     json["samplesPerCodecFrame"] = stream.samplesPerCodecFrame;
     return json;

@@ -1,11 +1,8 @@
 #include "tools/playfile/FrameFetcher.h"
 
 #include <algorithm>
-#include <thread>
 
 #include "toolkit/image/Format.h"
-#include "tools/playfile/CommandError.h"
-#include "tools/playfile/Interrupt.h"
 
 namespace cli {
 namespace {
@@ -30,90 +27,24 @@ FrameFetcher::FrameFetcher(Cookie const& cookie, PlayFileMetadataRep const& meta
                            DecodeFormat const& format, unsigned threads)
     : cookie_(cookie),
       format_(format),
-      threads_(metadata.frameGrouped ? 1 : threads),
-      ahead_(metadata.frameGrouped ? 0 : aheadFor(format)) {}
-
-FrameFetcher::~FrameFetcher() = default;
+      work_(metadata.frameGrouped ? 1 : threads, metadata.frameGrouped ? 0 : aheadFor(format)) {}
 
 void FrameFetcher::run(std::vector<std::uint32_t> const& frames, Work const& work, Tell const& tell) {
-    nextToAsk_ = 0;
-    nextToTell_ = 0;
-    Job const job{frames, work, tell};
-    {
-        std::vector<std::jthread> servers;
-        for (unsigned thread = 0; thread < threads_; ++thread) {
-            servers.emplace_back([this, &job, thread] { serve(job, thread); });
+    auto const ask = [&](std::size_t position) {
+        return std::make_unique<FrameRequest>(cookie_, frames[position], format_);
+    };
+    auto const finish = [&](Ticket request, unsigned thread) {
+        FrameOutcome outcome;
+        outcome.frame = request->frame();
+        outcome.thread = thread;
+        Ox::Image::Surface surface;
+        outcome.isGood = finishRequest(request, surface);
+        if (outcome.isGood) {
+            outcome.text = work(outcome.frame, surface);
         }
-    }
-    asked_.clear();
-    untold_.clear();
-    if (std::exception_ptr const error = std::exchange(error_, nullptr)) {
-        isStopped_ = false;
-        std::rethrow_exception(error);
-    }
-}
-
-void FrameFetcher::serve(Job const& job, unsigned thread) noexcept {
-    try {
-        Ticket ticket;
-        while (take(job, ticket)) {
-            FrameOutcome outcome;
-            outcome.frame = ticket.request->frame();
-            outcome.thread = thread;
-            Ox::Image::Surface surface;
-            outcome.isGood = finishRequest(ticket.request, surface);
-            if (outcome.isGood) {
-                outcome.text = job.work(outcome.frame, surface);
-            }
-            ticket.request.reset();
-            finish(job, ticket.position, std::move(outcome));
-        }
-    } catch (...) {
-        fail(std::current_exception());
-    }
-}
-
-/// False if there is no frame left.
-bool FrameFetcher::take(Job const& job, Ticket& ticket) {
-    std::lock_guard const scope(askMutex_);
-    checkForInterrupt();
-    if (isStopped_) {
-        return false;
-    }
-    askAhead(job);
-    if (asked_.empty()) {
-        return false;
-    }
-    ticket = std::move(asked_.front());
-    asked_.pop_front();
-    return true;
-}
-
-void FrameFetcher::askAhead(Job const& job) {
-    while (nextToAsk_ < job.frames.size() && asked_.size() <= ahead_) {
-        asked_.push_back(
-            {nextToAsk_, std::make_unique<FrameRequest>(cookie_, job.frames[nextToAsk_], format_)});
-        ++nextToAsk_;
-    }
-}
-
-void FrameFetcher::finish(Job const& job, std::size_t position, FrameOutcome outcome) {
-    std::lock_guard const scope(tellMutex_);
-    untold_.emplace(position, std::move(outcome));
-    while (!untold_.empty() && untold_.begin()->first == nextToTell_) {
-        FrameOutcome const next = std::move(untold_.begin()->second);
-        untold_.erase(untold_.begin());
-        ++nextToTell_;
-        job.tell(next);
-    }
-}
-
-void FrameFetcher::fail(std::exception_ptr const& error) {
-    std::lock_guard const scope(askMutex_);
-    isStopped_ = true;
-    if (!error_) {
-        error_ = error;
-    }
+        return outcome;
+    };
+    work_.run(frames.size(), {ask, finish, tell});
 }
 
 DecodeFormat nativeFormat(PlayFileMetadataRep const& metadata) {

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/playfile/NumberRanges.h"
+
 namespace cli {
 
 /// The frames that a user names: "all", or numbers and ranges as in "0,5,7-9".
@@ -26,15 +28,8 @@ public:
                                                      std::string const& fileName) const;
 
 private:
-    struct Range {
-        std::uint32_t first;
-        std::uint32_t last;
-    };
-
-    [[nodiscard]] static Range parseRange(std::string const& text, std::string const& whole);
-
     /// Empty for all frames.
-    std::vector<Range> ranges_;
+    std::vector<NumberRange> ranges_;
 };
 
 }  // namespace cli

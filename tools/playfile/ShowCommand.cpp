@@ -1,7 +1,5 @@
 #include "tools/playfile/ShowCommand.h"
 
-#include <chrono>
-
 #include "playfile/playfile.h"
 #include "tools/playfile/Clip.h"
 #include "tools/playfile/CommandError.h"
@@ -9,13 +7,12 @@
 #include "tools/playfile/FileReport.h"
 #include "tools/playfile/Output.h"
 #include "tools/playfile/PngWriter.h"
+#include "tools/playfile/SoundReport.h"
 #include "tools/playfile/Statistics.h"
 #include "tools/playfile/Text.h"
 
 namespace cli {
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 char const* const sheetName = "contact_sheet.png";
 char const* const reportName = "report.json";
@@ -33,19 +30,24 @@ std::string choiceText(ReaderChoice const& choice) {
     return text;
 }
 
-/// The facts of a file that fit on a line.
-std::string streamText(PlayFileMetadataRep const& metadata, Json const& video) {
+/// The facts of the picture that fit on a line.
+std::string pictureText(PlayFileMetadataRep const& metadata, Json const& video) {
     Json const& rate = video["frameRate"];
     Json const& format = video["picture"]["pixelFormat"];
-    std::string text = "video: " + std::to_string(metadata.image.getWidth()) + "x" +
-                       std::to_string(metadata.image.getHeight()) + " " +
-                       (format.is_string() ? format.get<std::string>() : "of unknown pixel format") + ", " +
-                       std::to_string(metadata.videoSampleCount) + " frames, " + rate["numerator"].dump() +
-                       "/" + rate["denominator"].dump() + " a second, " + video["fields"].get<std::string>() +
-                       ", orientation " + video["orientation"]["name"].get<std::string>();
+    return "video: " + std::to_string(metadata.image.getWidth()) + "x" +
+           std::to_string(metadata.image.getHeight()) + " " +
+           (format.is_string() ? format.get<std::string>() : "of unknown pixel format") + ", " +
+           std::to_string(metadata.videoSampleCount) + " frames, " + rate["numerator"].dump() + "/" +
+           rate["denominator"].dump() + " a second, " + video["fields"].get<std::string>() +
+           ", orientation " + video["orientation"]["name"].get<std::string>();
+}
+
+/// A line for each audio stream.
+std::string soundText(PlayFileMetadataRep const& metadata) {
+    std::string text;
     for (Aud::Metadata const& stream : metadata.audioStreams) {
-        text += "\naudio: " + printable(stream.codec) + ", " + std::to_string(stream.channels) +
-                " channels, " + fixed(stream.sampleRate, 0) + " Hz";
+        text += (text.empty() ? "audio: " : "\naudio: ") + printable(stream.codec) + ", " +
+                std::to_string(stream.channels) + " channels, " + fixed(stream.sampleRate, 0) + " Hz";
     }
     return text;
 }
@@ -60,9 +62,9 @@ std::string writeSheet(OutputFolder const& folder, Picture const& picture) {
 
 void ShowCommand::declare(CLI::App& program) {
     command_ = program.add_subcommand(
-        "show", "Reads a file in every way, and writes a contact sheet and a report of it");
+        "show", "Reads a file in every way, and writes pictures of its frames and sound and a report of it");
     command_->add_option("FILE", file_, "The media file")->required();
-    command_->add_option("--out", out_, "The folder for the contact sheet and the report")->required();
+    command_->add_option("--out", out_, "The folder for the pictures and the report")->required();
 }
 
 int ShowCommand::run(SessionOptions const& options) {
@@ -71,33 +73,60 @@ int ShowCommand::run(SessionOptions const& options) {
     session.loadReaders();
     Clip const clip(session, file_);
     Clock::time_point const start = Clock::now();
-    Ox::Ptr<FileReadInstance> const file = clip.openVideo();
-    Measurements const measurements = measure(clip, *file, Clock::now() - start);
+    Ox::Ptr<FileReadInstance> const file = clip.openAny();
+    Clock::duration const opening = Clock::now() - start;
     ReaderChoice const choice = explainChoice(session.log(), *file);
-    ContactSheet const sheet = makeContactSheet(clip, *file);
+    writeLine("file: " + printable(clip.input().path()));
+    writeLine(choiceText(choice));
 
     Json report;
     report["version"] = playfileDllVersionStr();
     report["file"] = describeFile(clip, file, choice);
     report["readerChoice"] = describeChoice(choice);
-    report["measurements"] = describeMeasurements(measurements);
+    std::uint64_t failed = 0;
+    if (file->metadata->videoInfoCount != 0) {
+        failed += showPicture(clip, *file, opening, folder, report);
+    }
+    failed += showSound(session, clip, *file, folder, report);
     report["statistics"] = describeStatistics();
-    report["contactSheet"]["frames"] = sheet.frames;
-    report["contactSheet"]["failed"] = sheet.failed;
-
-    writeLine("file: " + printable(clip.input().path()));
-    writeLine(choiceText(choice));
-    writeLine(streamText(*file->metadata, report["file"]["video"]));
-    writeLine(measurementTable(measurements));
     writeLine(toPlainText(report["statistics"]));
-    writeLine("contact sheet: " + printable(writeSheet(folder, sheet.picture)));
     writeLine("report: " + printable(folder.writeText(reportName, toJsonText(report) + '\n')));
-    std::uint64_t const failed = measurements.failed() + sheet.failed.size();
     if (failed != 0) {
-        throw CommandError(std::to_string(failed) + " reads of frames of " + inQuotes(clip.input().path()) +
+        throw CommandError(std::to_string(failed) + " reads of " + inQuotes(clip.input().path()) +
                            " failed; the file may be damaged");
     }
     return exitSuccess;
+}
+
+std::uint64_t ShowCommand::showPicture(Clip const& clip, FileReadInstance const& file,
+                                       Clock::duration opening, OutputFolder const& folder, Json& report) {
+    writeLine(pictureText(*file.metadata, report["file"]["video"]));
+    Measurements const measurements = measure(clip, file, opening);
+    ContactSheet const sheet = makeContactSheet(clip, file);
+    report["measurements"] = describeMeasurements(measurements);
+    report["contactSheet"]["frames"] = sheet.frames;
+    report["contactSheet"]["failed"] = sheet.failed;
+    writeLine(measurementTable(measurements));
+    writeLine("contact sheet: " + printable(writeSheet(folder, sheet.picture)));
+    return measurements.failed() + sheet.failed.size();
+}
+
+std::uint64_t ShowCommand::showSound(Session& session, Clip const& clip, FileReadInstance const& file,
+                                     OutputFolder const& folder, Json& report) {
+    if (file.metadata->audioStreams.empty()) {
+        return 0;
+    }
+    writeLine(soundText(*file.metadata));
+    std::optional<SoundReport> const sound = readSound(session, clip);
+    if (!sound) {
+        return 0;
+    }
+    report["sound"] = describeSound(*sound);
+    writeLine(soundTable(*sound));
+    for (std::string const& path : writeWaveforms(*sound, folder)) {
+        writeLine("waveform: " + printable(path));
+    }
+    return sound->failed;
 }
 
 }  // namespace cli

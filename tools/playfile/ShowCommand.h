@@ -1,5 +1,8 @@
 #pragma once
 
+#include <chrono>
+
+#include "tools/playfile/Clip.h"
 #include "tools/playfile/Command.h"
 #include "tools/playfile/JsonText.h"
 #include "tools/playfile/Measurements.h"
@@ -7,7 +10,8 @@
 
 namespace cli {
 
-/// `playfile show`: reads a file in every way, and writes a contact sheet and a report of it.
+/// `playfile show`: reads a file in every way, and writes a contact sheet, a picture of each channel's
+/// course, and a report of it.
 class ShowCommand : public Command {
 public:
     void declare(CLI::App& program) override;
@@ -15,6 +19,14 @@ public:
     [[nodiscard]] int run(SessionOptions const& options) override;
 
 private:
+    using Clock = std::chrono::steady_clock;
+
+    /// Both put what they find into the report and on standard output; how many reads failed.
+    static std::uint64_t showPicture(Clip const& clip, FileReadInstance const& file, Clock::duration opening,
+                                     OutputFolder const& folder, Json& report);
+    static std::uint64_t showSound(Session& session, Clip const& clip, FileReadInstance const& file,
+                                   OutputFolder const& folder, Json& report);
+
     CLI::App* command_ = nullptr;
     std::string file_;
     std::string out_;

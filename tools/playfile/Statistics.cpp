@@ -29,6 +29,16 @@ Json describeQueue(PlayFileCounters const& counters) {
     return json;
 }
 
+Json describeSoundQueue(PlayFileCounters const& counters) {
+    Json json;
+    json["queued"] = counters.audioRequestsQueued.load();
+    json["dropped"] = counters.audioRequestsDropped.load();
+    json["readsOfAStream"] = counters.audioStreamReads.load();
+    json["servedFromMemory"] = counters.audioChannelHits.load();
+    json["failed"] = counters.audioReadsFailed.load();
+    return json;
+}
+
 Json describeSection(TimedTaskBase::Section const& section) {
     Json json;
     json["runs"] = section.count;
@@ -54,6 +64,7 @@ Json describeStatistics() {
     Json json;
     json["files"] = describeCache(counters);
     json["requests"] = describeQueue(counters);
+    json["soundRequests"] = describeSoundQueue(counters);
     json["times"] = describeTimes();
     return json;
 }

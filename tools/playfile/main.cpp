@@ -3,6 +3,7 @@
 #include <string>
 
 #include "playfile/playfile.h"
+#include "tools/playfile/AudioCommand.h"
 #include "tools/playfile/CommandError.h"
 #include "tools/playfile/FramesCommand.h"
 #include "tools/playfile/InfoCommand.h"
@@ -49,13 +50,14 @@ public:
     }
 
 private:
-    CLI::App app_{"Opens media files and reads their frames."};
+    CLI::App app_{"Opens media files and reads their frames and samples."};
     SessionOptions options_;
     InfoCommand info_;
     FramesCommand frames_;
+    AudioCommand audio_;
     ShowCommand show_;
     QuarantineCommand quarantine_;
-    std::array<Command*, 4> commands_{&info_, &frames_, &show_, &quarantine_};
+    std::array<Command*, 5> commands_{&info_, &frames_, &audio_, &show_, &quarantine_};
 };
 
 int runGuarded(int argc, char** argv) {
