@@ -71,7 +71,6 @@ TEST_F(BadInput, AFileWithoutPictureHasNoFrames) {
     std::string const reason = "'" + file + "' has no video stream; 'playfile info' tells what it holds";
     expectRefusal(run({"frames", file, "--md5"}), reason);
     expectRefusal(run({"frames", file, "--out", path("out")}), reason);
-    expectRefusal(run({"show", file, "--out", path("out")}), reason);
 }
 
 TEST_F(BadInput, AFrameThatTheFileLacksIsNamed) {

@@ -81,15 +81,33 @@ TEST_F(ShowCommand, ShowsASinglePicture) {
     EXPECT_EQ(report()["contactSheet"]["frames"], json::array({0}));
 }
 
-TEST_F(ShowCommand, ShowsNothingOfAFileWithoutPicture) {
-    std::string const tone = path("tone.wav");
-    ASSERT_EQ(runOther({"ffmpeg", "-v", "error", "-nostdin", "-f", "lavfi", "-i", "sine=duration=1", tone})
-                  .exitCode,
-              0);
-    Ended const ended = show(tone);
+TEST_F(ShowCommand, ShowsTheSoundOfAFileWithoutPicture) {
+    Ended const ended = show(writeFile("tone.synth", "sound = 2 s16 48000\nsamples = 10000\n"));
+    EXPECT_EQ(ended.exitCode, 0) << ended.err;
+    EXPECT_THAT(ended.out, HasSubstr("sound: 3 reads of the file served 6 blocks of channels"));
+    EXPECT_FALSE(report().contains("contactSheet"));
+}
+
+TEST_F(ShowCommand, TellsPeakAndRmsOfEachChannel) {
+    ASSERT_EQ(show(writeFile("tone.synth", "sound = 2 s24 48000\nsamples = 48000\n")).exitCode, 0);
+    json const channel = report()["sound"]["channels"][1];
+    EXPECT_EQ(channel["samples"], 48000);
+    EXPECT_NEAR(channel["peakDecibels"].get<double>(), -6.0, 0.1);
+    EXPECT_NEAR(channel["rmsDecibels"].get<double>(), -10.8, 0.1);
+}
+
+TEST_F(ShowCommand, DrawsAWaveformOfEachChannel) {
+    ASSERT_EQ(show(writeFile("tone.synth", "sound = 2 s16 48000\nsamples = 10000\n")).exitCode, 0);
+    for (char const* const name : {"out/waveform_01.png", "out/waveform_02.png"}) {
+        EXPECT_EQ(runOther({"ffprobe", "-v", "error", path(name)}).exitCode, 0) << name;
+    }
+}
+
+TEST_F(ShowCommand, CountsTheBlocksOfSoundThatCannotBeRead) {
+    Ended const ended =
+        show(writeFile("tone.synth", "sound = 1 s16 48000\nsamples = 10000\nsoundfault = 5000\n"));
     EXPECT_EQ(ended.exitCode, 1);
-    EXPECT_THAT(linesOf(ended.err), testing::SizeIs(1));
-    EXPECT_THAT(ended.err, HasSubstr("has no video stream"));
+    EXPECT_EQ(report()["sound"]["failed"], 1);
 }
 
 }  // namespace

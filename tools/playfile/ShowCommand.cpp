@@ -75,6 +75,11 @@ int ShowCommand::run(SessionOptions const& options) {
     Clock::time_point const start = Clock::now();
     Ox::Ptr<FileReadInstance> const file = clip.openAny();
     Clock::duration const opening = Clock::now() - start;
+    if (file->metadata->videoInfoCount == 0 && !clip.trySound()) {
+        throw CommandError(inQuotes(clip.input().path()) +
+                           " has neither pictures nor sound that can be read; 'playfile info' tells what it "
+                           "holds");
+    }
     ReaderChoice const choice = explainChoice(session.log(), *file);
     writeLine("file: " + printable(clip.input().path()));
     writeLine(choiceText(choice));
