@@ -35,7 +35,7 @@ void AudioChannelCache::addBuffers(unsigned int stream, unsigned long startSampl
     entry.buffers = std::move(list);
 }
 
-/// What lies behind the used bytes, or before the entry's start, isn't handed out: the view is then empty.
+/// A request that begins behind the used bytes, or before the entry, gets an empty view.
 Aud::StreamBuffer AudioChannelCache::getResult(AudioRequest& request, unsigned int bytesPerSample) {
     ScopedLock const scope(lock_);
     CacheEntry const& entry = entries_[request.stream];
@@ -52,6 +52,7 @@ Aud::StreamBuffer AudioChannelCache::getResult(AudioRequest& request, unsigned i
         skip > entry.numSamples ? used : std::min<std::uint64_t>(used, skip * bytesPerSample);
     auto const view = Ox::makePtr<MemRef>(buffer.getHolder(), static_cast<std::uint32_t>(skipBytes),
                                           static_cast<std::uint32_t>(used - skipBytes));
-    return {view, buffer.getTag(), false, buffer.getSampleCount() - static_cast<std::uint32_t>(skip),
+    std::uint32_t const samples = buffer.getSampleCount();
+    return {view, buffer.getTag(), false, skip > samples ? 0 : samples - static_cast<std::uint32_t>(skip),
             buffer.getSampleFormat()};
 }

@@ -10,28 +10,59 @@ namespace {
 
 constexpr char const* threadName = "AudioReadQueue";
 
-}  // namespace
-
-AudioReadQueue::AudioReadQueue() : wakeEvent_(OS()->getThreads().makeEvent(false, false, 0)) {
-    if (!beginThread(threadName, iThread::normal)) {
-        LogBoth("Failed to make thread (%s)\n", threadName);
-    }
+void fail(Ptr<AudioReadRequest> const& request) {
+    PlayFileCounters::add(playFileCounters().audioReadsFailed);
+    request->setRequestStatus(requestFailed);
+    Ptr<iObject> self(request);
+    request->doCallbacks(self);
 }
 
+}  // namespace
+
+AudioReadQueue::AudioReadQueue()
+    : wakeEvent_(OS()->getThreads().makeEvent(false, false, 0)),
+      shutdownCallback_(new Shutdown::MethodCallback<AudioReadQueue>(this, &AudioReadQueue::shutdown)) {
+    if (!beginThread(threadName, iThread::normal)) {
+        LogBoth("Failed to make thread (%s)\n", threadName);
+        isStopped_ = true;
+    }
+    Shutdown::addCallback(shutdownCallback_, Shutdown::queueOrder);
+}
+
+/// First of all nobody may shut the queue down any more, nor be about to.
 AudioReadQueue::~AudioReadQueue() {
+    Shutdown::removeCallback(shutdownCallback_);
     endThread();
+}
+
+void AudioReadQueue::shutdown(Shutdown::eExitType) {
+    {
+        ScopedLock const scope(lock_);
+        isStopped_ = true;
+    }
+    if (!isThisThreadTheWorker()) {
+        endThread();
+    }
 }
 
 /// The worker is woken when the lock has been left: woken under it, it would go back to sleep at once.
 unsigned int AudioReadQueue::queueReadRequest(Ptr<AudioReadRequest>& request) {
-    PlayFileCounters::add(playFileCounters().audioRequestsQueued);
-    {
-        ScopedLock const scope(lock_);
+    if (accept(request)) {
+        PlayFileCounters::add(playFileCounters().audioRequestsQueued);
+        wakeEvent_->set();
+    } else {
+        fail(request);
+    }
+    return 1;
+}
+
+bool AudioReadQueue::accept(Ptr<AudioReadRequest> const& request) {
+    ScopedLock const scope(lock_);
+    if (!isStopped_) {
         pending_.insert(request);
         pendingCount_.store(pending_.size(), std::memory_order_relaxed);
     }
-    wakeEvent_->set();
-    return 1;
+    return !isStopped_;
 }
 
 void AudioReadQueue::despatchItemFromQueue() {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <new>
 
 #include "playfile/Counters.h"
 #include "toolkit/services/Log.h"
@@ -15,6 +16,8 @@ namespace {
 
 constexpr int defaultStreamsToPlay = 99;
 constexpr std::uint32_t bytesPerSilentSample = 4;
+/// A buffer's bytes are a 32-bit number.
+constexpr std::uint32_t mostSilentSamples = std::numeric_limits<std::uint32_t>::max() / bytesPerSilentSample;
 
 /// The setting `NumAudioStreamsToPlay`: streams from this index on are silent. Read at the first read of
 /// the process and kept; as an unsigned number, so that a negative one silences nothing.
@@ -30,7 +33,7 @@ AudioReader::AudioReader(std::vector<Aud::Metadata>& audioStreams) : streams(aud
 
 void AudioReader::readAudio(Ptr<AudioReadRequest>& request) {
     ScopedLock const scope(lock_);
-    OxResult const result = fetch(request);
+    OxResult const result = fetchWithinMemory(request);
     if (result == oxSuccess || result == oxEndOfData) {
         request->setRequestStatus(requestComplete);
     } else {
@@ -40,6 +43,16 @@ void AudioReader::readAudio(Ptr<AudioReadRequest>& request) {
     }
     Ptr<iObject> self(request);
     request->doCallbacks(self);
+}
+
+/// A request for more than memory holds, or than a buffer can count, fails like any other: its issuer is
+/// told, and the queue's thread lives on.
+OxResult AudioReader::fetchWithinMemory(Ptr<AudioReadRequest>& request) {
+    try {
+        return fetch(request);
+    } catch (std::bad_alloc const&) {
+        return oxFailure;
+    }
 }
 
 OxResult AudioReader::fetch(Ptr<AudioReadRequest>& request) {
@@ -116,6 +129,9 @@ void AudioReader::takeResult(AudioReadRequest& request) {
 /// The memory is made for as many samples as the old buffer had, and grows when the used size is set:
 /// what was handed out before keeps its own.
 void AudioReader::serveSilence(AudioReadRequest& request) {
+    if (request.mcsCount > mostSilentSamples) {
+        throw std::bad_alloc();
+    }
     if (silence.getSampleCount() < request.mcsCount) {
         auto const zeroes = makePtr<ByteBufferImpl>(silence.getSampleCount() * bytesPerSilentSample);
         silence = Aud::StreamBuffer(zeroes, request.stream, false, request.mcsCount, 0);

@@ -23,10 +23,10 @@ namespace Ox {
 ///            issuer must not wait for another read of the same reader, and must not block long.
 /// Units      A sample is one sample of every channel of its stream. Of a compressed stream, one frame
 ///            counts as one sample where `readAudioSamples` is asked.
-/// Errors     A failed read has status 3 and a line in the log. The end of the data is no failure: the
-///            request is complete, and its buffer is shorter, or empty.
-/// Deliberate A request that ends so after its data were split wrongly fails, and the data are kept for
-///            other requests all the same.
+/// Errors     A failed read has status 3 and a line in the log; so has one that finds no memory. The end of
+///            the data is no failure: the request is complete, and its buffer is shorter, or empty.
+/// Deliberate A request whose data can't be split into channels fails, and what was split is kept for other
+///            requests all the same.
 class AudioReader : public AudioChannelCache {
 public:
     /// @param audioStreams  of the file's metadata
@@ -102,7 +102,9 @@ protected:
     static constexpr std::uint64_t nothingFed = ~std::uint64_t{0};
 
 private:
-    /// What one read comes to: the code, and whether the request is complete all the same.
+    /// What one read comes to: 1, `oxEndOfData`, with which the request is complete all the same, or a
+    /// failure.
+    [[nodiscard]] OxResult fetchWithinMemory(Ptr<AudioReadRequest>& request);
     [[nodiscard]] OxResult fetch(Ptr<AudioReadRequest>& request);
     [[nodiscard]] OxResult fetchCompressed(Ptr<AudioReadRequest>& request);
     [[nodiscard]] OxResult fetchUncompressed(Ptr<AudioReadRequest>& request);

@@ -89,6 +89,9 @@ private:
 }  // namespace
 
 OxResult AudioReader::initAudioCodec(unsigned int stream, Ptr<iMemHolder> codecConfig) {
+    if (stream >= streams.size()) {
+        return oxFailure;
+    }
     std::vector<Ptr<AudioDecoderInfo>> const decoders =
         AudioDecoderInfo::getDecodersFor(streams[stream], codecConfig);
     if (decoders.empty()) {

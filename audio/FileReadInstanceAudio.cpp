@@ -11,12 +11,12 @@ FileReadInstance::FileReadInstance(LightweightString<wchar_t> const& name, Decod
 FileReadInstance::~FileReadInstance() {
     if (videoQueue_) {
         Ox::giveBack(videoQueuePool(), videoQueue_);
-        Ox::releaseQueue(videoQueue_);
     }
     if (audioQueue_) {
         Ox::giveBack(audioQueuePool(), audioQueue_);
-        Ox::releaseQueue(audioQueue_);
     }
+    Ox::releaseQueue(videoQueue_);
+    Ox::releaseQueue(audioQueue_);
 }
 
 /// The lock is held across the forwarding, so that requests of one file enter its queue one by one.

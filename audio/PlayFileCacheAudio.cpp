@@ -65,13 +65,13 @@ bool findChannel(PlayFileMetadataRep const& metadata, AudioRequest& request) {
     request.stream = 0;
     request.channelInStream = 0;
     if (request.channel < metadata.getTotalChannels()) {
-        std::uint32_t channelsBefore = 0;
+        std::uint64_t channelsBefore = 0;
         while (request.stream < streams.size() &&
                channelsBefore + streams[request.stream].channels <= request.channel) {
             channelsBefore += streams[request.stream].channels;
             ++request.stream;
         }
-        request.channelInStream = request.channel - channelsBefore;
+        request.channelInStream = request.channel - static_cast<std::uint32_t>(channelsBefore);
     }
     return request.stream < streams.size() && request.channelInStream < streams[request.stream].channels;
 }

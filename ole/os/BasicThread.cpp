@@ -12,22 +12,22 @@ bool BasicThread::beginThread(char const* name, iThread::ePriority priority) {
     description.argument = this;
     description.name = LightweightString<char>(name);
     description.exceptionHandler = &threadExceptionHandler;
-    isRunning_.store(true, std::memory_order_relaxed);
+    isRunning_.store(true, std::memory_order_release);
     thread_ = OS()->getThreads().makeThread(description);
     if (!thread_) {
-        isRunning_.store(false, std::memory_order_relaxed);
+        isRunning_.store(false, std::memory_order_release);
         return false;
     }
     thread_->setPriority(priority);
     return true;
 }
 
+/// The pointer to the thread stays, as others may be asking `isThisThread` at this moment.
 void BasicThread::endThread() {
-    isRunning_.store(false, std::memory_order_relaxed);
+    isRunning_.store(false, std::memory_order_release);
     if (thread_) {
         stopEvent_->set();
         thread_->waitForEnd(iThread::noTimeLimit);
-        thread_.decRef();
     }
 }
 
