@@ -82,7 +82,7 @@ public:
     using AudioReader::codecs;
     using AudioReader::lastFrameRead;
     using AudioReader::lock_;
-    using AudioReader::noFrame;
+    using AudioReader::nothingFed;
     using AudioReader::readSlack;
     using AudioReader::silence;
     using AudioReader::streams;
