@@ -152,6 +152,22 @@ make_sequence-png() {
     run -i "$master" -start_number 0 "$1/frame-%04d.png"
 }
 make_tone.wav() { sound 2 && cp "$tone" "$1"; }
+
+# noise CHANNELS ENCODER OUT OPTION...: two seconds at most, another noise in each channel.
+noise() {
+    local channel expressions=""
+    for ((channel = 0; channel < $1; channel++)); do
+        expressions+="${expressions:+|}0.9*(2*random($channel)-1)"
+    done
+    run -f lavfi -i "aevalsrc=$expressions:sample_rate=48000:duration=2" -c:a "$2" "${exact[@]}" "${@:4}" "$3"
+}
+make_noise-u8-1ch.wav() { noise 1 pcm_u8 "$1"; }
+make_noise-s24-8ch.wav() { noise 8 pcm_s24le "$1" -rf64 always; }
+make_noise-s32-3ch.wav() { noise 3 pcm_s32le "$1"; }
+make_noise-f32-64ch.wav() { noise 64 pcm_f32le "$1" -t 0.3; }
+make_noise-f64-2ch.wav() { noise 2 pcm_f64le "$1"; }
+# Written into a pipe: no length is stated.
+make_noise-s16-2ch-streamed.wav() { noise 2 pcm_s16le - -f wav >"$1"; }
 make_tone-cover-art.mp3() {
     sound 2
     make_still.png "$scratch/cover.png"

@@ -3,7 +3,7 @@
 #include "files/PlayFileCache.h"
 #include "host/memory/MemoryCatalogue.h"
 #include "ole/os/OS.h"
-#include "toolkit/plugins/Plugin.h"
+#include "tests/real/Readers.h"
 #include "tools/playfile/Md5.h"
 #include "tools/playfile/SurfaceSum.h"
 #include "video/VideoReadRequest.h"
@@ -31,11 +31,6 @@ private:
     ThreadEventPtr const told_ = OS()->getThreads().makeEvent(false, false, 0);
     Ox::Image::Surface picture_;
 };
-
-void loadReaders() {
-    static std::vector<PluginOutcome> const outcomes = loadPlugins(fromUTF8(PLAYFILE_BUILD_PLUGIN_DIR));
-    static_cast<void>(outcomes);
-}
 
 }  // namespace
 

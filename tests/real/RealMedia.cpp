@@ -56,6 +56,17 @@ std::vector<std::string> damagedFiles() {
     return filesBelow(realFolder("damaged"));
 }
 
+std::vector<std::string> waveFiles() {
+    std::vector<std::string> files;
+    for (fs::path const& folder :
+         {fs::path(PLAYFILE_TEST_MEDIA_DIR), realFolder("audio"), realFolder("damaged")}) {
+        std::vector<std::string> const more = filesBelow(folder);
+        files.insert(files.end(), more.begin(), more.end());
+    }
+    std::erase_if(files, [](std::string const& file) { return !file.ends_with(".wav"); });
+    return files;
+}
+
 std::vector<std::string> smallClips() {
     std::vector<std::string> const names = {"h264_testvid_1022ms.mp4",
                                             "vp9_odd_161x121.webm",
@@ -86,6 +97,20 @@ std::vector<std::string> shownFrames(std::string const& path) {
         }
     }
     return sums;
+}
+
+std::string decodedSamples(std::string const& path, std::string const& form) {
+    ChildProcess program("/usr/bin/ffmpeg", {"-nostdin", "-v", "quiet", "-i", path, "-map", "0:a:0", "-c:a",
+                                             "pcm_" + form, "-f", form, "-"});
+    return program.waitForEnd().output;
+}
+
+std::string shownTag(std::string const& path, std::string const& key) {
+    ChildProcess program("/usr/bin/ffprobe", {"-v", "quiet", "-show_entries", "format_tags=" + key, "-of",
+                                              "default=nw=1:nk=1", path});
+    std::string text = program.waitForEnd().output;
+    text.resize(text.find_last_not_of(" \r\n") + 1);
+    return text;
 }
 
 std::string testNameOf(std::string const& path) {

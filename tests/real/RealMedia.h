@@ -13,12 +13,24 @@ namespace test {
 /// Files of the real media's folder `damaged`; empty without real media.
 [[nodiscard]] std::vector<std::string> damagedFiles();
 
+/// The WAVE files that our script makes and, where there are real media, those of theirs.
+[[nodiscard]] std::vector<std::string> waveFiles();
+
 /// A few clips, small ones of as many codecs as there are, to be read at random.
 [[nodiscard]] std::vector<std::string> smallClips();
 
 /// The MD5 sums of a file's frames in the order in which the program `ffmpeg` shows them; empty if it
 /// shows none.
 [[nodiscard]] std::vector<std::string> shownFrames(std::string const& path);
+
+/// All samples of a file's first sound stream, of all channels as they lie beside each other, as the program
+/// `ffmpeg` decodes them; empty if it can't.
+///
+/// @param form  "s16le", "f32le" and so on
+[[nodiscard]] std::string decodedSamples(std::string const& path, std::string const& form);
+
+/// What the program `ffprobe` shows under a key of a file's texts, without blanks at its end.
+[[nodiscard]] std::string shownTag(std::string const& path, std::string const& key);
 
 /// A clip's name made fit for the name of a test.
 [[nodiscard]] std::string testNameOf(std::string const& path);
