@@ -11,25 +11,32 @@
 namespace test {
 namespace {
 
-/// Waits for the end of one read and keeps its picture.
+/// How long a wait may last before it looks at the request's status.
+constexpr std::uint32_t lookIntervalMs = 20;
+
+/// Waits for the end of one read.
 class Waiter : public ReadRequestIssuer {
 public:
     ~Waiter() override { withdraw(); }
-    void requestCompleted(Ox::Ptr<iObject>& result, RequestStatus status) override {
-        auto const buffer = Ox::dynamicPtrCast<FrameBufferRep>(result);
-        if (status == requestComplete && buffer) {
-            buffer->getSurface(0, picture_);
-        }
+    void requestCompleted(Ox::Ptr<iObject>&, RequestStatus status) override {
+        status_ = status;
         told_->set();
     }
-    Ox::Image::Surface waitForPicture() {
-        told_->wait(iThreadEvent::noTimeLimit);
-        return picture_;
+
+    /// Who asks for a frame again while the last read of it ends isn't told; the status says it then.
+    [[nodiscard]] RequestStatus waitFor(VideoReadRequest const& request) const {
+        while (told_->wait(lookIntervalMs) == iThreadEvent::timedOut) {
+            RequestStatus const status = request.getRequestStatus();
+            if (status == requestComplete || status == requestFailed) {
+                return status;
+            }
+        }
+        return status_;
     }
 
 private:
+    RequestStatus status_ = requestBuilt;  ///< Set before the event is.
     ThreadEventPtr const told_ = OS()->getThreads().makeEvent(false, false, 0);
-    Ox::Image::Surface picture_;
 };
 
 }  // namespace
@@ -49,7 +56,11 @@ Ox::Image::Surface OpenClip::read(std::uint32_t frame, DecodeFormat const& forma
     Ox::Ptr<VideoReadRequest> request;
     OxResult const result = PlayFileCache::Shared()->videoReadRequest(
         request, cookie_, static_cast<int>(frame), false, resultDecompressed, format, waiter.getProxy());
-    return result == oxSuccess ? waiter.waitForPicture() : Ox::Image::Surface();
+    Ox::Image::Surface picture;
+    if (result == oxSuccess && waiter.waitFor(*request) == requestComplete) {
+        request->getResultBuffer()->getSurface(0, picture);
+    }
+    return picture;
 }
 
 std::string OpenClip::sumOf(std::uint32_t frame) const {
