@@ -4,6 +4,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <ctime>
@@ -31,16 +32,19 @@ bool sleepWhile(std::atomic<std::int32_t>& word, std::int32_t value, Clock::time
 
 bool EventWaiter::claim(std::int32_t result) noexcept {
     std::int32_t expected = unclaimed;
-    if (!result_.compare_exchange_strong(expected, result)) {
-        return false;
-    }
-    syscall(SYS_futex, &result_, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
-    return true;
+    return result_.compare_exchange_strong(expected, result);
+}
+
+/// The word is only an address here: the kernel looks who sleeps there. If somebody else does by now, a
+/// wake that is none of his makes him look at his own word and sleep on.
+void EventWaiter::wake(std::atomic<std::int32_t>* word) noexcept {
+    syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
 }
 
 std::int32_t EventWaiter::sleep(std::uint32_t waitMs) noexcept {
     bool const isLimited = waitMs != iThreadEvent::noTimeLimit;
-    Clock::time_point const deadline = Clock::now() + std::chrono::milliseconds(isLimited ? waitMs : 0);
+    Clock::time_point const deadline =
+        isLimited ? Clock::now() + std::chrono::milliseconds(waitMs) : Clock::time_point();
     while (result() == unclaimed) {
         if (!sleepWhile(result_, unclaimed, isLimited ? &deadline : nullptr)) {
             claim(limitPassed);
@@ -59,17 +63,37 @@ iThreadEvent::eWaitResult PosixEvent::wait(std::uint32_t waitMs) {
 }
 
 /// A waiter that can't be claimed has been woken by another event or by its limit: it is passed over.
+///
+/// The one who gets an automatic event is woken when the lock has been left: woken under it, he would run
+/// into it at once, as he takes himself out of the list, and sleep again.
 void PosixEvent::set() {
-    std::lock_guard const scope(lock_);
-    bool isTaken = false;
+    std::atomic<std::int32_t>* woken = nullptr;
+    {
+        std::lock_guard const scope(lock_);
+        if (isManualReset_) {
+            wakeAll();
+        } else {
+            woken = claimOldest();
+        }
+        isSet_ = !woken;
+    }
+    if (woken) {
+        EventWaiter::wake(woken);
+    }
+}
+
+std::atomic<std::int32_t>* PosixEvent::claimOldest() {
+    auto const claimed = std::find_if(waiters_.begin(), waiters_.end(),
+                                      [](Entry const& entry) { return entry.waiter->claim(entry.index); });
+    return claimed == waiters_.end() ? nullptr : claimed->waiter->word();
+}
+
+void PosixEvent::wakeAll() {
     for (Entry const& entry : waiters_) {
-        bool const isClaimed = entry.waiter->claim(entry.index);
-        isTaken = isTaken || isClaimed;
-        if (isClaimed && !isManualReset_) {
-            break;
+        if (entry.waiter->claim(entry.index)) {
+            EventWaiter::wake(entry.waiter->word());
         }
     }
-    isSet_ = isManualReset_ || !isTaken;
 }
 
 void PosixEvent::reset() {

@@ -17,8 +17,11 @@ public:
     static constexpr std::int32_t unclaimed = -1;
     static constexpr std::int32_t limitPassed = -2;
 
-    /// True for the first caller only; the sleeping thread wakes.
+    /// True for the first caller only. If that isn't the waiting thread itself, it calls `wake` next.
     bool claim(std::int32_t result) noexcept;
+    /// Wakes the thread that sleeps at this word, which may have gone on and left it meanwhile.
+    static void wake(std::atomic<std::int32_t>* word) noexcept;
+    [[nodiscard]] std::atomic<std::int32_t>* word() noexcept { return &result_; }
     /// Sleeps until it is claimed or the limit has passed (then it claims itself); the result.
     std::int32_t sleep(std::uint32_t waitMs) noexcept;
     [[nodiscard]] std::int32_t result() const noexcept { return result_.load(std::memory_order_acquire); }
@@ -51,6 +54,10 @@ private:
         EventWaiter* waiter;
         std::int32_t index;
     };
+
+    /// Where the one sleeps who gets the event; null if there is nobody. With the lock held, like the next.
+    [[nodiscard]] std::atomic<std::int32_t>* claimOldest();
+    void wakeAll();
 
     bool const isManualReset_;
     std::mutex lock_;
