@@ -57,6 +57,7 @@ bench: release
 	@scripts/make-test-media.sh $(MEDIA)
 	build/release/bin/playfile_micro
 	build/release/bin/playfile_workload $(or $(CLIP),$(MEDIA)/demo.mp4)
+	build/release/bin/playfile_soundbench $(MEDIA)/noise-s24-8ch.wav
 
 check: release tsa
 	@scripts/check-all.sh

@@ -10,16 +10,21 @@ if(TARGET playfile_micro)
     target_link_libraries(playfile_micro PRIVATE benchmark::benchmark)
 endif()
 
-playfile_glob(sources bench/workload/*.cpp)
-playfile_glob(support bench/support/*.cpp)
-if(sources)
-    playfile_add_program(playfile_workload playfile_workload ${sources} ${support})
-endif()
-if(TARGET playfile_workload)
-    find_package(CLI11 REQUIRED)
-    find_package(nlohmann_json REQUIRED)
-    pkg_check_modules(PLAYFILE_WORKLOAD_FFMPEG REQUIRED IMPORTED_TARGET
-        libavformat libavcodec libavutil libswscale)
-    target_link_libraries(playfile_workload PRIVATE
-        CLI11::CLI11 nlohmann_json::nlohmann_json PkgConfig::PLAYFILE_WORKLOAD_FFMPEG)
-endif()
+pkg_check_modules(PLAYFILE_BENCH_FFMPEG REQUIRED IMPORTED_TARGET
+    libavformat libavcodec libavutil libswscale)
+find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
+
+# playfile_add_comparison(NAME FOLDER): a program that reads files through playfile and in other ways.
+function(playfile_add_comparison name folder)
+    playfile_glob(sources bench/${folder}/*.cpp)
+    playfile_glob(support bench/support/*.cpp)
+    playfile_add_program(${name} ${name} ${sources} ${support})
+    target_link_libraries(${name} PRIVATE
+        CLI11::CLI11 nlohmann_json::nlohmann_json PkgConfig::PLAYFILE_BENCH_FFMPEG)
+endfunction()
+
+playfile_add_comparison(playfile_workload workload)
+playfile_add_comparison(playfile_soundbench sound)
+pkg_check_modules(PLAYFILE_SNDFILE REQUIRED IMPORTED_TARGET sndfile)
+target_link_libraries(playfile_soundbench PRIVATE PkgConfig::PLAYFILE_SNDFILE)

@@ -46,6 +46,7 @@ FOREIGN = [
     (r"(CLI|nlohmann)/", r"(tools|bench|tests)/"),
     (r"png\.h", r"(tools|tests)/"),
     (r"benchmark/", r"bench/"),
+    (r"sndfile\.h", r"(bench|tests)/"),
     (r"g(test|mock)/", r"tests/"),
 ]
 

@@ -14,7 +14,7 @@ packages=(
     libsqlite3-dev libavcodec-dev libavformat-dev libavutil-dev libswscale-dev libpng-dev
     nlohmann-json3-dev libcli11-dev
     # tests, benches and test media
-    libgtest-dev libgmock-dev libbenchmark-dev ffmpeg
+    libgtest-dev libgmock-dev libbenchmark-dev libsndfile1-dev ffmpeg
 )
 
 fail() {

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the clips of the workload bench with the ffmpeg program: 1920x1080, 25 frames a second.
+# Makes the media of the benches with the ffmpeg program: clips of 1920x1080, 25 frames a second, and sound.
 #
 #   scripts/make-bench-media.sh DIR [NAME...]
 #
@@ -25,5 +25,18 @@ make_dnxhr-hq.mov() { encode 75 yuv422p "$1" -c:v dnxhd -profile:v dnxhr_hq; }
 make_dnxhr-hq.mxf() { encode 75 yuv422p "$1" -c:v dnxhd -profile:v dnxhr_hq; }
 make_mjpeg.mov() { encode 75 yuvj422p "$1" -c:v mjpeg -q:v 3; }
 make_png.mov() { encode 50 rgb24 "$1" -c:v png -compression_level 3; }
+
+# A minute of sound: another noise in each channel.
+sound() { # CHANNELS OUT ENCODER_OPTION...
+    local channel expressions=""
+    for ((channel = 0; channel < $1; channel++)); do
+        expressions+="${expressions:+|}0.5*(2*random($channel)-1)+0.3*sin($((channel + 2))*400*t)"
+    done
+    run -f lavfi -i "aevalsrc=$expressions:sample_rate=48000:duration=60" "${@:3}" \
+        -fflags +bitexact -flags:a +bitexact "$2"
+}
+make_sound-8ch-24bit.wav() { sound 8 "$1" -c:a pcm_s24le; }
+make_sound-2ch.m4a() { sound 2 "$1" -c:a aac -b:a 192k; }
+make_sound-6ch.m4a() { sound 6 "$1" -c:a aac -b:a 384k; }
 
 bring_media "$@"

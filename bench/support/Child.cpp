@@ -1,10 +1,12 @@
-#include "bench/workload/Child.h"
+#include "bench/support/Child.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 #include <string>
 #include <type_traits>
@@ -50,6 +52,19 @@ Sample runInChild(std::function<Sample()> const& measure) {
 
 ClipFacts runInChild(std::function<ClipFacts()> const& look) {
     return runAndAsk(look);
+}
+
+SoundFacts runInChild(std::function<SoundFacts()> const& look) {
+    return runAndAsk(look);
+}
+
+void measureTime(Sample& sample, std::function<bool()> const& work) {
+    using Clock = std::chrono::steady_clock;
+    auto const start = Clock::now();
+    std::clock_t const processorStart = std::clock();
+    sample.isGood = work();
+    sample.processorSeconds = static_cast<double>(std::clock() - processorStart) / CLOCKS_PER_SEC;
+    sample.seconds = std::chrono::duration<double>(Clock::now() - start).count();
 }
 
 std::uint64_t peakResidentBytes() {

@@ -7,10 +7,12 @@ namespace bench {
 
 /// What one measurement found.
 ///
-/// Units  Seconds of the timed part; bytes of memory that was resident at most, over the whole process.
+/// Units  Seconds of the timed part, by the clock and of the processors, those of all threads together; bytes
+///        of memory that was resident at most, over the whole process.
 struct Sample {
     bool isGood = false;
     double seconds = 0.0;
+    double processorSeconds = 0.0;
     std::uint32_t reads = 0;
     std::uint64_t peakBytes = 0;
 };
@@ -27,12 +29,28 @@ struct ClipFacts {
     char container[64] = {};
 };
 
+/// What is known of a file's sound before it is measured.
+struct SoundFacts {
+    bool isGood = false;
+    std::uint64_t sampleCount = 0;
+    std::uint32_t channels = 0;
+    std::uint32_t bytesPerSample = 0;
+    double sampleRate = 0.0;
+    bool isCompressed = false;
+    /// Of the reader's own description, cut to fit.
+    char description[96] = {};
+};
+
 /// Runs `measure` in a child process and gives back what it answered; a default one if the child died.
 ///
 /// Each measurement so begins with nothing opened, nothing cached and no memory taken, whichever side ran
 /// before it. Requires that this process has started no thread.
 [[nodiscard]] Sample runInChild(std::function<Sample()> const& measure);
 [[nodiscard]] ClipFacts runInChild(std::function<ClipFacts()> const& look);
+[[nodiscard]] SoundFacts runInChild(std::function<SoundFacts()> const& look);
+
+/// Runs the part of a measurement that is timed, and stores how long it took and whether it went well.
+void measureTime(Sample& sample, std::function<bool()> const& work);
 
 /// The most memory that was resident in this process until now, in bytes.
 [[nodiscard]] std::uint64_t peakResidentBytes();

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "bench/support/Child.h"
 #include "bench/workload/Cases.h"
-#include "bench/workload/Child.h"
 
 namespace bench {
 

@@ -1,36 +1,14 @@
 #include "bench/workload/Report.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+
+#include "bench/support/Figures.h"
 
 namespace bench {
 namespace {
 
 constexpr double bytesPerMiB = 1024.0 * 1024.0;
-
-double median(std::vector<double> values) {
-    if (values.empty()) {
-        return 0.0;
-    }
-    std::sort(values.begin(), values.end());
-    std::size_t const half = values.size() / 2;
-    return values.size() % 2 == 1 ? values[half] : (values[half - 1] + values[half]) / 2;
-}
-
-double secondsPerRead(Sample const& sample) {
-    return sample.reads == 0 ? 0.0 : sample.seconds / sample.reads;
-}
-
-double medianSecondsPerRead(std::vector<Sample> const& samples) {
-    std::vector<double> values;
-    std::transform(samples.begin(), samples.end(), std::back_inserter(values), secondsPerRead);
-    return median(values);
-}
-
-bool areGood(std::vector<Sample> const& samples) {
-    return std::all_of(samples.begin(), samples.end(), [](Sample const& sample) { return sample.isGood; });
-}
 
 std::string nameOfFile(std::string const& path) {
     return std::filesystem::path(path).filename();
@@ -51,22 +29,11 @@ double CaseResult::plainSecondsPerRead() const {
 }
 
 double CaseResult::ratio() const {
-    std::vector<double> ratios;
-    for (std::size_t i = 0; i < std::min(library.size(), plain.size()); ++i) {
-        if (secondsPerRead(library[i]) > 0.0) {
-            ratios.push_back(secondsPerRead(plain[i]) / secondsPerRead(library[i]));
-        }
-    }
-    return median(ratios);
+    return ratioTo(plain, library);
 }
 
 double CaseResult::extraBytes() const {
-    std::vector<double> differences;
-    for (std::size_t i = 0; i < std::min(library.size(), plain.size()); ++i) {
-        differences.push_back(static_cast<double>(library[i].peakBytes) -
-                              static_cast<double>(plain[i].peakBytes));
-    }
-    return median(differences);
+    return bytesAbove(plain, library);
 }
 
 void printTable(std::FILE* out, ClipResult const& clip) {

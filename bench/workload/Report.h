@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "bench/support/Child.h"
 #include "bench/support/NullCosts.h"
 #include "bench/workload/Cases.h"
-#include "bench/workload/Child.h"
 
 namespace bench {
 

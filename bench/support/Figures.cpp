@@ -1,0 +1,61 @@
+#include "bench/support/Figures.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace bench {
+namespace {
+
+double secondsPerRead(Sample const& sample) {
+    return sample.reads == 0 ? 0.0 : sample.seconds / sample.reads;
+}
+
+}  // namespace
+
+double median(std::vector<double> values) {
+    if (values.empty()) {
+        return 0.0;
+    }
+    std::sort(values.begin(), values.end());
+    std::size_t const half = values.size() / 2;
+    return values.size() % 2 == 1 ? values[half] : (values[half - 1] + values[half]) / 2;
+}
+
+bool areGood(std::vector<Sample> const& samples) {
+    return std::all_of(samples.begin(), samples.end(), [](Sample const& sample) { return sample.isGood; });
+}
+
+double medianSecondsPerRead(std::vector<Sample> const& samples) {
+    std::vector<double> values;
+    std::transform(samples.begin(), samples.end(), std::back_inserter(values), secondsPerRead);
+    return median(values);
+}
+
+double medianProcessorSecondsPerRead(std::vector<Sample> const& samples) {
+    std::vector<double> values;
+    for (Sample const& sample : samples) {
+        values.push_back(sample.reads == 0 ? 0.0 : sample.processorSeconds / sample.reads);
+    }
+    return median(values);
+}
+
+double ratioTo(std::vector<Sample> const& other, std::vector<Sample> const& own) {
+    std::vector<double> ratios;
+    for (std::size_t i = 0; i < std::min(own.size(), other.size()); ++i) {
+        if (secondsPerRead(own[i]) > 0.0) {
+            ratios.push_back(secondsPerRead(other[i]) / secondsPerRead(own[i]));
+        }
+    }
+    return median(ratios);
+}
+
+double bytesAbove(std::vector<Sample> const& other, std::vector<Sample> const& own) {
+    std::vector<double> differences;
+    for (std::size_t i = 0; i < std::min(own.size(), other.size()); ++i) {
+        differences.push_back(static_cast<double>(own[i].peakBytes) -
+                              static_cast<double>(other[i].peakBytes));
+    }
+    return median(differences);
+}
+
+}  // namespace bench
