@@ -154,7 +154,7 @@ double timeOfFrame(FrameFetcher const& fetcher, std::uint32_t frame) {
         double const rate = av_q2d(fetcher.facts().frameRate);
         return rate > 0.0 ? frame / rate : 0.0;
     }
-    return static_cast<double>(time - first) * av_q2d(fetcher.facts().timeBase);
+    return static_cast<double>(av_sat_sub64(time, first)) * av_q2d(fetcher.facts().timeBase);
 }
 
 }  // namespace playfile_ffmpeg

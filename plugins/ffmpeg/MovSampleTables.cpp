@@ -11,6 +11,7 @@ using Bytes = std::span<uint8_t const>;
 
 constexpr size_t largestMovieBox = size_t{256} << 20;
 constexpr uint32_t mostSamples = uint32_t{1} << 24;
+constexpr uint64_t largestPosition = std::numeric_limits<int64_t>::max();
 constexpr size_t fullBoxHeader = 4;  // version and flags
 
 constexpr uint32_t fourcc(char const (&name)[5]) {
@@ -159,19 +160,26 @@ private:
                 ++run;
             }
             size_t const at = 8 + size_t{chunk} * width;
-            placeChunk(width == 8 ? be64(chunks, at) : be32(chunks, at),
-                       be32(runs, 8 + size_t{run} * 12 + 4));
+            if (!placeChunk(width == 8 ? be64(chunks, at) : be32(chunks, at),
+                            be32(runs, 8 + size_t{run} * 12 + 4))) {
+                return false;
+            }
         }
         return result_.positions_.size() == result_.sizes_.size();
     }
 
-    void placeChunk(uint64_t position, uint32_t sampleCount) {
+    /// False if a sample would lie beyond what a file can be.
+    bool placeChunk(uint64_t position, uint32_t sampleCount) {
         for (uint32_t left = sampleCount; left > 0 && result_.positions_.size() < result_.sizes_.size();
              --left) {
             uint32_t const size = result_.sizes_[result_.positions_.size()];
+            if (position > largestPosition - size) {
+                return false;
+            }
             result_.positions_.push_back(static_cast<int64_t>(position));
             position += size;
         }
+        return true;
     }
 
     bool parseOffsets() {

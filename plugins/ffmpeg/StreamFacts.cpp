@@ -73,7 +73,8 @@ void collectStreams(AVFormatContext const& format, StreamFacts& facts) {
 AVRational exactRate(AVRational timeBase, int64_t frames, int64_t ticks) {
     AVRational rate{};
     // frames / (ticks * num / den)
-    av_reduce(&rate.num, &rate.den, frames * timeBase.den, ticks * timeBase.num, INT32_MAX);
+    int64_t const time = std::min(ticks, INT64_MAX / timeBase.num) * timeBase.num;
+    av_reduce(&rate.num, &rate.den, frames * timeBase.den, time, INT32_MAX);
     return rate;
 }
 
@@ -89,7 +90,7 @@ struct Gaps {
 Gaps gapsOf(FrameIndex const& index) {
     Gaps gaps;
     for (uint32_t frame = 1; frame < index.frameCount(); ++frame) {
-        int64_t const gap = index.ptsOf(frame) - index.ptsOf(frame - 1);
+        int64_t const gap = av_sat_sub64(index.ptsOf(frame), index.ptsOf(frame - 1));
         gaps.shortest = std::min(gaps.shortest, gap);
         gaps.longest = std::max(gaps.longest, gap);
     }
@@ -101,7 +102,8 @@ bool fits(AVRational rate, AVRational timeBase, FrameIndex const& index) {
     double const ticksPerFrame = 1.0 / (av_q2d(rate) * av_q2d(timeBase));
     int64_t const first = index.ptsOf(0);
     for (uint32_t frame = 1; frame < index.frameCount(); ++frame) {
-        double const offset = static_cast<double>(index.ptsOf(frame) - first) - ticksPerFrame * frame;
+        double const offset =
+            static_cast<double>(av_sat_sub64(index.ptsOf(frame), first)) - ticksPerFrame * frame;
         if (offset > 1.01 || offset < -1.01) {
             return false;
         }
@@ -224,7 +226,8 @@ void measureRates(StreamFacts& facts, FrameIndex const& index, AVRational stated
         return;
     }
     facts.hasConstantRate = false;
-    facts.frameRate = exactRate(facts.timeBase, count - 1, index.ptsOf(count - 1) - index.ptsOf(0));
+    facts.frameRate =
+        exactRate(facts.timeBase, count - 1, av_sat_sub64(index.ptsOf(count - 1), index.ptsOf(0)));
     facts.lowestRate = exactRate(facts.timeBase, 1, gaps.longest);
     facts.highestRate = exactRate(facts.timeBase, 1, std::max<int64_t>(gaps.shortest, 1));
 }
