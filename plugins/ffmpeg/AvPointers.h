@@ -6,6 +6,7 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
+#include <libavcodec/bsf.h>
 #include <libavformat/avformat.h>
 #include <libswscale/swscale.h>
 }
@@ -16,6 +17,7 @@ namespace playfile_ffmpeg {
 struct AvDeleter {
     void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
     void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
+    void operator()(AVBSFContext* filter) const { av_bsf_free(&filter); }
     void operator()(AVCodecParserContext* parser) const { av_parser_close(parser); }
     void operator()(AVCodecParameters* parameters) const { avcodec_parameters_free(&parameters); }
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }

@@ -65,7 +65,8 @@ bool addTimesOfShowing(std::vector<PacketFacts>& packets, MovSampleTables const&
         return false;
     }
     for (size_t number = 0; number < packets.size(); ++number) {
-        packets[number].pts += tables.decodeShift() + tables.offsetOf((*samples)[number]);
+        int64_t const offset = tables.decodeShift() + tables.offsetOf((*samples)[number]);
+        packets[number].pts = av_sat_add64(packets[number].pts, offset);
     }
     return true;
 }
@@ -78,7 +79,7 @@ bool mayHavePalette(AVCodecParameters const& parameters) {
 
 AvPtr<AVPacket> readAt(ByteFile const& file, PacketFacts const& facts) {
     AvPtr<AVPacket> packet = makePacket();
-    if (facts.position < 0 || facts.position + facts.byteCount > file.byteCount() ||
+    if (facts.position < 0 || facts.position > file.byteCount() - facts.byteCount ||
         av_new_packet(packet.get(), static_cast<int>(facts.byteCount)) < 0) {
         return nullptr;
     }
@@ -148,16 +149,11 @@ std::optional<BuiltIndex> fromAviIndex(OpenContainer& container, ByteFile const&
         }
     }
     for (PacketFacts& packet : built.packets) {
-        packet.position += chunkHeaderByteCount;
+        packet.position = av_sat_add64(packet.position, chunkHeaderByteCount);
         packet.isHidden = packet.byteCount == 0;
     }
     built.liesInFile = !mayHavePalette(*stream.codecpar);
     return built;
-}
-
-bool isIntraCoded(AVCodecParameters const& parameters) {
-    AVCodecDescriptor const* descriptor = avcodec_descriptor_get(parameters.codec_id);
-    return descriptor != nullptr && (descriptor->props & AV_CODEC_PROP_INTRA_ONLY) != 0;
 }
 
 /// The index of an MXF file stays inside libavformat. That it is whole shows when a seek to the last
@@ -166,7 +162,7 @@ bool seeksToLastFrame(OpenContainer& container) {
     AVStream const& stream = container.video();
     AvPtr<AVPacket> const packet = makePacket();
     int64_t const last = stream.duration - 1;
-    return av_seek_frame(&container.format(), stream.index, last, AVSEEK_FLAG_BACKWARD) >= 0 &&
+    return container.seek(stream.index, last, AVSEEK_FLAG_BACKWARD) &&
            container.readVideoPacket(*packet) >= 0 && packet->pts == last &&
            container.readVideoPacket(*packet) == AVERROR_EOF;
 }
@@ -174,7 +170,7 @@ bool seeksToLastFrame(OpenContainer& container) {
 std::optional<BuiltIndex> fromMxfDuration(OpenContainer& container) {
     AVStream const& stream = container.video();
     int64_t const count = stream.duration;
-    if (!isIntraCoded(*stream.codecpar) || count <= 0 || count > mostFrames) {
+    if (!isIntraCoded(stream.codecpar->codec_id) || count <= 0 || count > mostFrames) {
         return std::nullopt;
     }
     if (!seeksToLastFrame(container)) {
@@ -225,7 +221,8 @@ BuiltIndex fromScan(OpenContainer& container, ByteFile const& file) {
     }
     bool const mayLieInFile =
         container.isRawStream() || container.isFormat("mov") || container.isFormat("avi");
-    built.liesInFile = mayLieInFile && !mayHavePalette(*container.video().codecpar) &&
+    built.liesInFile = mayLieInFile && !container.hasTakenApart() &&
+                       !mayHavePalette(*container.video().codecpar) &&
                        samplesAreAsScanned(file, built.packets);
     return built;
 }

@@ -74,7 +74,7 @@ bool OpenContainer::reopen(std::string& error) {
         return false;
     }
     discardOthers();
-    return true;
+    return makeUnpacker(error);
 }
 
 bool OpenContainer::openInput(std::string& error) {
@@ -145,7 +145,59 @@ void OpenContainer::discardOthers() {
     }
 }
 
+/// Containers of the MOV family have a place for each picture and hold no packet of two.
+bool OpenContainer::makeUnpacker(std::string& error) {
+    unpacker_.reset();
+    AVCodecParameters const& parameters = *video().codecpar;
+    if (parameters.codec_id != AV_CODEC_ID_MPEG4 || isFormat("mov")) {
+        return true;
+    }
+    AVBSFContext* unpacker = nullptr;
+    int code = av_bsf_alloc(av_bsf_get_by_name("mpeg4_unpack_bframes"), &unpacker);
+    unpacker_.reset(unpacker);
+    if (code >= 0) {
+        code = avcodec_parameters_copy(unpacker->par_in, &parameters);
+    }
+    if (code >= 0) {
+        code = av_bsf_init(unpacker);
+    }
+    error = code < 0 ? "can't be taken apart: " + avErrorText(code) : error;
+    return code >= 0;
+}
+
+AVCodecParameters const& OpenContainer::videoParameters() const {
+    return unpacker_ ? *unpacker_->par_out : *video().codecpar;
+}
+
+/// An empty packet stands for a picture that was left out; to the unpacker it would be the end.
 int OpenContainer::readVideoPacket(AVPacket& packet) {
+    if (!unpacker_) {
+        return readStoredPacket(packet);
+    }
+    av_packet_unref(&packet);
+    int code = av_bsf_receive_packet(unpacker_.get(), &packet);
+    while (code == AVERROR(EAGAIN)) {
+        code = readStoredPacket(packet);
+        if (code >= 0 && packet.size == 0) {
+            return 0;
+        }
+        storedByteCount_ = packet.size;
+        av_bsf_send_packet(unpacker_.get(), code >= 0 ? &packet : nullptr);
+        code = av_bsf_receive_packet(unpacker_.get(), &packet);
+    }
+    hasTakenApart_ = hasTakenApart_ || (code >= 0 && packet.size != storedByteCount_);
+    return code;
+}
+
+bool OpenContainer::seek(int stream, int64_t timestamp, int flags) {
+    deadline_.arm();
+    if (unpacker_) {
+        av_bsf_flush(unpacker_.get());
+    }
+    return av_seek_frame(format_.get(), stream, timestamp, flags) >= 0;
+}
+
+int OpenContainer::readStoredPacket(AVPacket& packet) {
     deadline_.arm();
     for (int foreign = 0; foreign < mostForeignPackets; ++foreign) {
         av_packet_unref(&packet);

@@ -27,7 +27,8 @@ private:
 /// An opened container with its chosen video stream.
 ///
 /// The video stream is the first one that isn't a cover picture. All other streams are discarded while
-/// packets are read.
+/// packets are read. MPEG-4 as AVI files bear it has packets of two pictures, and a packet without one
+/// to make up for it; here the second picture comes in place of that packet.
 ///
 /// Threads      One at a time.
 class OpenContainer {
@@ -43,8 +44,17 @@ public:
     /// The first stream of sound of a file that was opened for it.
     AVStream& sound() const { return *format_->streams[soundIndex_]; }
 
+    /// What a decoder of the video stream needs to know.
+    AVCodecParameters const& videoParameters() const;
+
     /// Reads the next packet of the video stream; a code of FFmpeg below 0 at the end.
     int readVideoPacket(AVPacket& packet);
+
+    /// Goes to another place as `av_seek_frame` does; false if it can't.
+    [[nodiscard]] bool seek(int stream, int64_t timestamp, int flags);
+
+    /// True if a packet that was read since the opening isn't the one that lies in the file.
+    bool hasTakenApart() const { return hasTakenApart_; }
 
     bool isFormat(char const* name) const;
     bool isStill() const;
@@ -58,8 +68,6 @@ public:
     /// Opens the same file again, to read from its beginning.
     [[nodiscard]] bool reopen(std::string& error);
 
-    Deadline& deadline() { return deadline_; }
-
 private:
     bool openInput(std::string& error);
     bool statesWhatIsNeeded() const;
@@ -67,12 +75,17 @@ private:
     bool chooseVideo();
     bool chooseSound();
     void discardOthers();
+    [[nodiscard]] bool makeUnpacker(std::string& error);
+    int readStoredPacket(AVPacket& packet);
 
     Deadline deadline_;
     std::string path_;
     AvPtr<AVFormatContext> format_;
     unsigned videoIndex_ = 0;
     unsigned soundIndex_ = 0;
+    AvPtr<AVBSFContext> unpacker_;  ///< Empty where no packet holds two pictures.
+    int storedByteCount_ = 0;       ///< Of the packet that the unpacker took last.
+    bool hasTakenApart_ = false;
 };
 
 }  // namespace playfile_ffmpeg

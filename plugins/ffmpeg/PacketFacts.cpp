@@ -92,6 +92,18 @@ std::vector<PacketEntry> entriesOf(std::vector<PacketFacts> const& facts) {
     return entries;
 }
 
+/// Where a container keeps times of decoding only, the frames are shown at those times too, one after
+/// the other.
+void spreadTimes(std::vector<PacketEntry>& entries, Shown const& shown) {
+    std::vector<int64_t> times(shown.size());
+    std::transform(shown.begin(), shown.end(), times.begin(),
+                   [&](uint32_t index) { return entries[index].pts; });
+    std::sort(times.begin(), times.end());
+    for (uint32_t const index : shown) {
+        entries[index].pts = times[static_cast<size_t>(entries[index].frame)];
+    }
+}
+
 std::optional<Keys> displayKeys(std::vector<PacketFacts> const& facts, Shown const& shown,
                                 bool timesAreTrue) {
     std::optional<Keys> keys;
@@ -129,6 +141,11 @@ bool codecReorders(AVCodecID codec) {
     }
 }
 
+bool isIntraCoded(AVCodecID codec) {
+    AVCodecDescriptor const* const descriptor = avcodec_descriptor_get(codec);
+    return descriptor != nullptr && (descriptor->props & AV_CODEC_PROP_INTRA_ONLY) != 0;
+}
+
 std::vector<PacketEntry> numberFrames(std::vector<PacketFacts> const& facts, AVCodecID codec,
                                       bool timesAreTrue) {
     std::vector<PacketEntry> entries = entriesOf(facts);
@@ -151,6 +168,9 @@ std::vector<PacketEntry> numberFrames(std::vector<PacketFacts> const& facts, AVC
     }
     for (size_t frame = 0; frame < order.size(); ++frame) {
         entries[shown[order[frame]]].frame = static_cast<int32_t>(frame);
+    }
+    if (!timesAreTrue) {
+        spreadTimes(entries, shown);
     }
     return entries;
 }

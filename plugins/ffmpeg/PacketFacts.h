@@ -30,6 +30,9 @@ struct PacketFacts {
 /// Whether frames of this coding can be shown in another order than they are coded in.
 bool codecReorders(AVCodecID codec);
 
+/// Whether each frame of this coding stands for itself.
+bool isIntraCoded(AVCodecID codec);
+
 /// Gives each shown packet its frame number: by time of showing; where times are missing or the
 /// container keeps none (`timesAreTrue` false), by the order that the pictures themselves state.
 std::vector<PacketEntry> numberFrames(std::vector<PacketFacts> const& facts, AVCodecID codec,

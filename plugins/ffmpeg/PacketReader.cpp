@@ -9,6 +9,7 @@ namespace playfile_ffmpeg {
 namespace {
 
 constexpr int mostSeekAttempts = 4;
+constexpr int64_t largestPacket = std::numeric_limits<int>::max() - AV_INPUT_BUFFER_PADDING_SIZE;
 
 /// Packets with the same identity can't be told apart; a container numbers all but those by place.
 uint64_t identityOf(int64_t position, uint64_t byteCount, uint32_t fingerprint) {
@@ -20,8 +21,6 @@ uint64_t identityOf(int64_t position, uint64_t byteCount, uint32_t fingerprint) 
 
 bool PacketReader::read(uint32_t number, AVPacket& packet) {
     ++readCount_;
-    seekCount_ += number != following_;
-    following_ = number + 1;
     return readPacket(number, packet);
 }
 
@@ -33,11 +32,16 @@ DirectPacketReader::DirectPacketReader(std::shared_ptr<ByteFile const> file, Fra
     : file_(std::move(file)), index_(index) {}
 
 bool DirectPacketReader::readPacket(uint32_t number, AVPacket& packet) {
+    if (number != following_) {
+        countSeek();
+    }
+    following_ = number + 1;
     PacketEntry const& entry = index_.packet(number);
-    int64_t const there = std::min<int64_t>(file_->byteCount() - entry.position, entry.byteCount);
-    bool const isInFile = entry.position >= 0 && there > 0 && there <= std::numeric_limits<int>::max() - 64;
+    bool const isInFile = entry.position >= 0 && entry.position < file_->byteCount();
+    int64_t const there =
+        isInFile ? std::min<int64_t>(file_->byteCount() - entry.position, entry.byteCount) : 0;
     av_packet_unref(&packet);
-    if (!isInFile || av_new_packet(&packet, static_cast<int>(there)) < 0) {
+    if (there <= 0 || there > largestPacket || av_new_packet(&packet, static_cast<int>(there)) < 0) {
         return false;
     }
     size_t const got = file_->readAt(entry.position, packet.data, static_cast<size_t>(there));
@@ -121,31 +125,30 @@ bool DemuxedPacketReader::readUpTo(uint32_t number, AVPacket& packet) {
 }
 
 bool DemuxedPacketReader::goToBefore(uint32_t number) {
-    AVFormatContext& format = container_->format();
     PacketEntry const& entry = index_.packet(number);
-    container_->deadline().arm();
     int const stream = container_->video().index;
-    bool const seeksByPlace = (format.iformat->flags & AVFMT_TS_DISCONT) != 0 && entry.position >= 0;
+    bool const seeksByPlace =
+        (container_->format().iformat->flags & AVFMT_TS_DISCONT) != 0 && entry.position >= 0;
+    countSeek();
     if (seeksByPlace) {
-        return av_seek_frame(&format, stream, entry.position, AVSEEK_FLAG_BYTE) >= 0;
+        return container_->seek(stream, entry.position, AVSEEK_FLAG_BYTE);
     }
-    return entry.pts != AV_NOPTS_VALUE &&
-           av_seek_frame(&format, stream, entry.pts, AVSEEK_FLAG_BACKWARD) >= 0;
+    return entry.pts != AV_NOPTS_VALUE && container_->seek(stream, entry.pts, AVSEEK_FLAG_BACKWARD);
 }
 
 bool DemuxedPacketReader::goToStart() {
-    AVFormatContext& format = container_->format();
-    container_->deadline().arm();
-    bool const seeksByPlace = (format.iformat->flags & AVFMT_NO_BYTE_SEEK) == 0;
-    if (seeksByPlace && av_seek_frame(&format, -1, 0, AVSEEK_FLAG_BYTE) >= 0) {
+    bool const seeksByPlace = (container_->format().iformat->flags & AVFMT_NO_BYTE_SEEK) == 0;
+    countSeek();
+    if (seeksByPlace && container_->seek(-1, 0, AVSEEK_FLAG_BYTE)) {
         return true;
     }
-    return av_seek_frame(&format, container_->video().index, std::numeric_limits<int64_t>::min() / 2,
-                         AVSEEK_FLAG_BACKWARD) >= 0;
+    return container_->seek(container_->video().index, std::numeric_limits<int64_t>::min() / 2,
+                            AVSEEK_FLAG_BACKWARD);
 }
 
 bool DemuxedPacketReader::reopen() {
     std::string error;
+    countSeek();
     if (!container_->reopen(error)) {
         container_.reset();
     }

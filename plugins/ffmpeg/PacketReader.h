@@ -26,15 +26,15 @@ public:
     /// True if packet `number` is known to be missing, without a look into the file.
     virtual bool isMissing(uint32_t number) const;
 
-    /// How often the packet read wasn't the one after the last.
+    /// How often another place was gone to than the one where the last packet ended.
     uint64_t seekCount() const { return seekCount_; }
     uint64_t readCount() const { return readCount_; }
 
 protected:
     [[nodiscard]] virtual bool readPacket(uint32_t number, AVPacket& packet) = 0;
+    void countSeek() { ++seekCount_; }
 
 private:
-    uint32_t following_ = 0;
     uint64_t seekCount_ = 0;
     uint64_t readCount_ = 0;
 };
@@ -51,6 +51,7 @@ private:
 
     std::shared_ptr<ByteFile const> file_;
     FrameIndex const& index_;
+    uint32_t following_ = 0;  ///< Number of the packet behind the one that was read last.
 };
 
 /// Reads packets through libavformat.

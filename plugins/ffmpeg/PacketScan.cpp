@@ -65,6 +65,7 @@ void PacketInspector::parse(AVPacket const& packet, PacketFacts& facts) {
     av_parser_parse2(parser_.get(), context_.get(), &data, &byteCount, packet.data, packet.size, packet.pts,
                      packet.dts, packet.pos);
     facts.picture = pictureOf(parser_->pict_type);
+    facts.isKey = facts.isKey && facts.picture != PacketFacts::ePicture::bidirectional;
     if (codec_ != AV_CODEC_ID_H264 && codec_ != AV_CODEC_ID_HEVC) {
         return;
     }
@@ -94,7 +95,7 @@ void PacketInspector::pairFields(SliceFacts const& slice, PacketFacts& facts) {
 
 std::vector<PacketFacts> scanPackets(OpenContainer& container) {
     std::vector<PacketFacts> facts;
-    PacketInspector inspector(*container.video().codecpar);
+    PacketInspector inspector(container.videoParameters());
     AvPtr<AVPacket> const packet = makePacket();
     while (container.readVideoPacket(*packet) >= 0) {
         facts.push_back(inspector.inspect(*packet));
