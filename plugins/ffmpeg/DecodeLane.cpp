@@ -46,7 +46,11 @@ PicturePtr DecodeLane::fetch(uint32_t wanted, uint32_t keepFrom, PictureShelf& s
     PicturePtr picture = !isJump ? walk(goal, shelf) : walkFrom(index_.startPacketFor(wanted), goal, shelf);
     uint32_t const start = std::min(startedAt_, index_.startPacketFor(wanted));
     if (!picture && startedAt_ > 0) {
+        bool const hasBegunThere = isJump && startedAt_ == start;
         picture = walkFrom(index_.keyBefore(start), goal, shelf);
+        if (picture && hasBegunThere) {
+            index_.takeKeyMark(start);
+        }
     }
     if (!picture && startedAt_ > 0) {
         picture = walkFrom(index_.keyBefore(start - std::min(start, farBackPackets)), goal, shelf);
@@ -138,6 +142,7 @@ void DecodeLane::restartAt(uint32_t packet) {
     isRunning_ = true;
     isDropping_ = false;
     hasFalseStart_ = false;
+    hasSeenStart_ = false;
     isDrained_ = false;
     hasDropped_ = false;
     errorsAtStart_ = decoder_->errorCount();
@@ -199,9 +204,12 @@ PicturePtr DecodeLane::sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& g
     return picture;
 }
 
-bool DecodeLane::isFalseStart(AVFrame const& frame, uint32_t number) const {
-    bool const isPredicted = frame.pict_type == AV_PICTURE_TYPE_P || frame.pict_type == AV_PICTURE_TYPE_B;
-    return number == startedAt_ && number > 0 && isPredicted && frame.key_frame == 0;
+/// What a key begins with is no predicted picture; only bidirectional ones may come out before it.
+bool DecodeLane::isFalseStart(AVFrame const& frame, uint32_t number) {
+    bool const isOfStart = number == startedAt_;
+    bool const comesFirst = isOfStart || (!hasSeenStart_ && frame.pict_type == AV_PICTURE_TYPE_P);
+    hasSeenStart_ = hasSeenStart_ || isOfStart;
+    return startedAt_ > 0 && comesFirst && isPredicted(frame);
 }
 
 void DecodeLane::feedNext(Walk const& goal) {

@@ -48,7 +48,7 @@ private:
     PicturePtr walk(Walk const& goal, PictureShelf& shelf);
     PicturePtr sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& goal, PictureShelf& shelf,
                     bool& hasPassed);
-    bool isFalseStart(AVFrame const& frame, uint32_t number) const;
+    bool isFalseStart(AVFrame const& frame, uint32_t number);
     void feedNext(Walk const& goal);
     bool isDroppable(PacketEntry const& entry, Walk const& goal);
     bool isCertain(uint32_t frame) const { return index_.startPacketFor(frame) >= startedAt_; }
@@ -67,6 +67,7 @@ private:
     bool hasDropped_ = false;  ///< Since the start.
     uint64_t errorsAtStart_ = 0;
     bool hasFalseStart_ = false;  ///< The packet it started at turned out not to be a key.
+    bool hasSeenStart_ = false;   ///< The picture of the packet it started at has come out.
     uint32_t startedAt_ = 0;
     uint32_t next_ = 0;  ///< The packet to be sent next.
     uint32_t lastFetched_ = 0;

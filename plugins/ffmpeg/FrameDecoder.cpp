@@ -102,4 +102,10 @@ AvPtr<AVFrame> FrameDecoder::receive(uint32_t& number) {
     return nullptr;
 }
 
+bool isPredicted(AVFrame const& picture) {
+    bool const isOfSuchType =
+        picture.pict_type == AV_PICTURE_TYPE_P || picture.pict_type == AV_PICTURE_TYPE_B;
+    return isOfSuchType && picture.key_frame == 0;
+}
+
 }  // namespace playfile_ffmpeg

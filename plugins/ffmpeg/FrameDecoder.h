@@ -71,4 +71,7 @@ private:
     uint64_t errorsBeforeOpening_ = 0;
 };
 
+/// True for a picture that was made with the help of others.
+bool isPredicted(AVFrame const& picture);
+
 }  // namespace playfile_ffmpeg

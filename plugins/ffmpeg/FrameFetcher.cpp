@@ -41,7 +41,7 @@ bool FrameFetcher::build(std::string const& path, std::string& error) {
         return false;
     }
     parameters_.reset(avcodec_parameters_alloc());
-    if (!parameters_ || avcodec_parameters_copy(parameters_.get(), container->video().codecpar) < 0) {
+    if (!parameters_ || avcodec_parameters_copy(parameters_.get(), &container->videoParameters()) < 0) {
         error = "no memory";
         return false;
     }
@@ -60,6 +60,7 @@ bool FrameFetcher::build(std::string const& path, std::string& error) {
         return false;
     }
     wasScanned_ = built.isScanned;
+    isIntraCoded_ = isIntraCoded(parameters_->codec_id);
     hasFrameThreads_ = FrameDecoder::hasFrameThreads(parameters_->codec_id);
     measureRates(facts_, index_, stated, container->keepsExactTimes());
     makeReader(std::move(container), built);
@@ -141,14 +142,27 @@ PicturePtr FrameFetcher::decode(uint32_t frame) {
     PicturePtr picture;
     bool const isRun = onwardRun_ >= framesOfARun && hasFrameThreads_;
     if (index_.isEveryPacketAKey() && !isRun) {
-        IntraLane* lane = intra();
-        picture = lane != nullptr ? lane->fetch(frame) : nullptr;
-    } else {
+        picture = decodeAlone(frame);
+    }
+    bool const mayNeedOthers = !(isIntraCoded_ && index_.isEveryPacketAKey());
+    if (!picture && (isRun || mayNeedOthers)) {
         DecodeLane* lane = linear();
         picture = lane != nullptr ? lane->fetch(frame, keep, shelf_) : nullptr;
     }
     if (picture) {
         shelf_.put(frame, picture, frame);
+    }
+    return picture;
+}
+
+/// A container may mark every packet as a key though many aren't: a picture that is predicted from others
+/// gives that away, and isn't one to be shown.
+PicturePtr FrameFetcher::decodeAlone(uint32_t frame) {
+    IntraLane* lane = intra();
+    PicturePtr picture = lane != nullptr ? lane->fetch(frame) : nullptr;
+    if (picture && isPredicted(*picture)) {
+        index_.takeKeyMark(index_.packetOf(frame));
+        return nullptr;
     }
     return picture;
 }

@@ -57,6 +57,7 @@ private:
     bool showFirst(std::string& error);
     bool showFirstIntra(std::string& error);
     PicturePtr decode(uint32_t frame);
+    PicturePtr decodeAlone(uint32_t frame);
     uint32_t keepFrom(uint32_t frame) const;
     DecodeLane* linear();
     IntraLane* intra();
@@ -67,6 +68,7 @@ private:
     FrameIndex index_;
     StreamFacts facts_;
     bool wasScanned_ = false;
+    bool isIntraCoded_ = false;
     bool hasFrameThreads_ = false;
     std::unique_ptr<PacketReader> reader_;
     std::unique_ptr<DecodeLane> linear_;

@@ -101,6 +101,7 @@ uint32_t FrameIndex::endOfFrameAt(uint32_t packet) const {
 
 void FrameIndex::takeKeyMark(uint32_t packet) {
     packets_[packet].isKey = false;
+    isEveryPacketAKey_ = isEveryPacketAKey_ && packets_[packet].frame < 0;
     std::erase_if(keys_, [packet](KeyPacket const& key) { return key.packet == packet; });
 }
 
