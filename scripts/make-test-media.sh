@@ -114,6 +114,24 @@ make_mjpeg.mov() {
     stamped 320x180 25 50 yuvj420p
     run -i "$master" -c:v mjpeg -q:v 3 "${exact[@]}" "$1"
 }
+make_mjpeg.avi() {
+    stamped 320x180 25 50 yuvj420p
+    run -i "$master" -c:v mjpeg -q:v 3 "${exact[@]}" "$1"
+}
+# A picture that others refer to lies in one packet with the first of those shown before it. The encoder
+# leaves out the last two pictures but one, so the end is cut off.
+make_mpeg4-packed.avi() {
+    grep -q libxvid <<<"$(ffmpeg -hide_banner -encoders 2>/dev/null)" || return 77
+    stamped 320x180 25 100 yuv420p
+    run -i "$master" -c:v libxvid -q:v 3 -g 24 -bf 2 "${exact[@]}" "$scratch/packed.avi"
+    run -i "$scratch/packed.avi" -c copy -frames:v 94 "${exact[@]}" "$1"
+}
+mpeg4() {
+    stamped 320x180 25 100 yuv420p
+    run -i "$master" -c:v mpeg4 -q:v 3 -g 24 -bf 2 "${exact[@]}" "$1"
+}
+make_mpeg4-bframes.avi() { mpeg4 "$1"; }
+make_mpeg4-bframes.mp4() { mpeg4 "$1"; }
 make_png.mov() {
     stamped 320x180 25 25 rgb24
     run -i "$master" -c:v png "${exact[@]}" "$1"
@@ -136,6 +154,20 @@ make_vp9.webm() {
     stamped 320x180 25 50 yuv420p
     run -i "$master" -c:v libvpx-vp9 -deadline realtime -cpu-used 8 -b:v 300k -g 25 "${exact[@]}" "$1"
 }
+# Pictures that are only there to be referred to lie in packets of their own.
+vp9_hidden() {
+    stamped 320x180 25 100 yuv420p
+    local pass
+    for pass in 1 2; do
+        run -i "$master" -c:v libvpx-vp9 -deadline good -cpu-used 4 -auto-alt-ref 1 -lag-in-frames 25 \
+            -b:v 200k -g 100 -threads 2 -pass $pass -passlogfile "$scratch/pass" "${exact[@]}" \
+            -f webm "$scratch/joined.webm"
+    done
+    run -i "$scratch/joined.webm" -c copy -bsf:v vp9_superframe_split "${exact[@]}" \
+        -fflags +bitexact-autobsf "$1"
+}
+make_vp9-hidden-frames.webm() { vp9_hidden "$1"; }
+make_vp9-hidden-frames.mp4() { vp9_hidden "$1"; }
 make_two-videos.mp4() {
     stamped 320x180 25 50 yuv420p
     local first=$master
