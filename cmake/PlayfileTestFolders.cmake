@@ -1,4 +1,5 @@
-# One program for each folder with *Test.cpp. Those below plugins_<plugin>/ hold the plug-in's engine.
+# One program for each folder with *Test.cpp. Those below plugins_<plugin>/ hold the plug-in's engine,
+# and those below real/ that of FFmpeg's.
 
 # playfile_add_test_folder(FOLDER SOURCE...): the program test_<folder>, FOLDER from tests/ on.
 function(playfile_add_test_folder folder)
@@ -34,6 +35,8 @@ function(playfile_add_test_folder folder)
     endif()
     if(top MATCHES "^plugins_(.+)$")
         playfile_link(${target} playfile_${CMAKE_MATCH_1}_engine)
+    elseif(top STREQUAL "real")
+        playfile_link(${target} playfile_ffmpeg_engine)
     endif()
     gtest_discover_tests(${target}
         TEST_PREFIX "${folder}/"
