@@ -15,13 +15,28 @@ std::uint64_t frameOf(ByteBufferImpl const& packet) {
     return frame;
 }
 
+/// Behind the samples all is scribbled over.
+void appendSamples(Aud::StreamBuffer& buffer, std::uint64_t frame, unsigned channel, unsigned count) {
+    std::uint32_t const used = buffer.getUsed();
+    buffer.setUsed(used + count * static_cast<std::uint32_t>(sizeof(std::uint16_t)));
+    auto* to = static_cast<std::uint8_t*>(buffer.getBuffer()) + used;
+    for (unsigned i = 0; i < count; ++i, to += sizeof(std::uint16_t)) {
+        std::uint16_t const sample = decodedSample(frame, channel, i);
+        std::memcpy(to, &sample, sizeof sample);
+    }
+    std::memset(to, scribble, buffer.getSpace());
+}
+
 class Info : public Ox::AudioDecoderInfo {
 public:
     Info(DecoderScriptPtr script, bool able, bool makes)
         : script_(std::move(script)), isAble_(able), makes_(makes) {}
     bool canDecode(Aud::Metadata const&, Ox::Ptr<iMemHolder> const&) override { return isAble_; }
-    Ox::Ptr<Ox::AudioCodecInstance> makeInstance(Aud::Metadata const&, Ox::Ptr<iMemHolder> const&) override {
+    Ox::Ptr<Ox::AudioCodecInstance> makeInstance(Aud::Metadata const& format,
+                                                 Ox::Ptr<iMemHolder> const& configuration) override {
         script_->calls->add("make");
+        script_->formatGiven = format;
+        script_->configurationGiven = configuration;
         return makes_ ? Ox::makePtr<ScriptedDecoder>(script_) : Ox::Ptr<ScriptedDecoder>();
     }
 
@@ -57,7 +72,8 @@ std::uint32_t ScriptedDecoder::decodeAudioBuffer(Ox::Ptr<ByteBufferImpl>& output
                                                  Ox::Ptr<ByteBufferImpl>& packet, unsigned int& decoded,
                                                  unsigned int skipStart, unsigned int skipEnd) {
     std::uint64_t const frame = frameOf(*packet);
-    DecodeAnswer const answer = decode({frame, samplesPerFrame, skipStart, skipEnd, output->getUsed()});
+    DecodeAnswer const answer =
+        decode({frame, samplesPerFrame, skipStart, skipEnd, output->getUsed(), output->getSize()});
     decoded = answer.decoded;
     for (unsigned i = 0; i < answer.decoded; ++i) {
         for (unsigned channel = 0; channel < metadata.channels; ++channel) {
@@ -72,17 +88,12 @@ std::uint32_t ScriptedDecoder::decodeAudioStream(Aud::StreamBufferList& output, 
                                                  Ox::Ptr<ByteBufferImpl>& packet, unsigned int& decoded,
                                                  unsigned int skipStart, unsigned int skipEnd) {
     std::uint64_t const frame = frameOf(*packet);
-    std::uint32_t const usedBefore = output.empty() ? 0 : output.front().getUsed();
-    DecodeAnswer const answer = decode({frame, samplesPerFrame, skipStart, skipEnd, usedBefore});
+    std::uint32_t const used = output.empty() ? 0 : output.front().getUsed();
+    std::uint32_t const capacity = output.empty() ? 0 : output.front().getSize();
+    DecodeAnswer const answer = decode({frame, samplesPerFrame, skipStart, skipEnd, used, capacity});
     decoded = answer.decoded;
     for (unsigned channel = 0; channel < output.size(); ++channel) {
-        std::uint32_t const used = output[channel].getUsed();
-        output[channel].setUsed(used + answer.decoded * static_cast<unsigned>(sizeof(std::uint16_t)));
-        for (unsigned i = 0; i < answer.decoded; ++i) {
-            std::uint16_t const sample = decodedSample(frame, channel, i);
-            std::memcpy(static_cast<std::uint8_t*>(output[channel].getBuffer()) + used + i * sizeof sample,
-                        &sample, sizeof sample);
-        }
+        appendSamples(output[channel], frame, channel, answer.decoded);
     }
     return answer.result;
 }

@@ -16,8 +16,10 @@ struct DecodeCall {
     unsigned samplesPerFrame;
     unsigned skipStart;
     unsigned skipEnd;
-    /// What the output held before, of one channel in the one form and of all in the other.
+    /// What the output held before, and what it has room for: of the first channel in the one form, of all
+    /// in the other.
     std::uint32_t usedBefore;
+    std::uint32_t capacity;
 };
 
 /// What a decoding operation gives: that many samples of every channel are put out.
@@ -41,6 +43,9 @@ struct DecoderScript {
         return DecodeAnswer{Ox::AudioCodecInstance::good, metadata.samplesPerCodecFrame};
     };
 
+    /// With what the latest instance was made.
+    Aud::Metadata formatGiven;
+    Ox::Ptr<iMemHolder> configurationGiven;
     std::vector<DecodeCall> decodes;
     std::shared_ptr<CallLog> calls = std::make_shared<CallLog>();
 
@@ -50,7 +55,8 @@ struct DecoderScript {
 
 using DecoderScriptPtr = std::shared_ptr<DecoderScript>;
 
-/// A decoder whose samples are those of `decodedSample`, 16 bits each.
+/// A decoder whose samples are those of `decodedSample`, 16 bits each. It leaves `scribble` in all the room
+/// behind the samples of a channel.
 class ScriptedDecoder : public Ox::AudioCodecInstance {
 public:
     explicit ScriptedDecoder(DecoderScriptPtr script);
@@ -84,6 +90,9 @@ public:
 private:
     Ox::Ptr<Ox::AudioDecoderInfo> info_;
 };
+
+/// The byte that a decoder leaves where no samples are.
+inline constexpr std::uint8_t scribble = 0xEE;
 
 /// A sample that a `ScriptedDecoder` puts out; never 0.
 [[nodiscard]] std::uint16_t decodedSample(std::uint64_t frame, unsigned channel, unsigned sample);
