@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 
 #include <filesystem>
 #include <memory>
@@ -256,6 +257,22 @@ TEST_P(FileManagerContract, NamesInAFileSystemAreNotRemote) {
     for (auto const* name : {L"/media/clip.mov", L"clip.mov", L"", L"://x", L"C://x", L"/a://b", L"9p://x"}) {
         EXPECT_FALSE(files().isRemote(name)) << toUTF8(name).c_str();
     }
+}
+
+TEST_P(FileManagerContract, KnowsTheVolumeOfAFileAndOfAFolder) {
+    struct statvfs status {};
+    ASSERT_EQ(0, statvfs(folder_.path().c_str(), &status));
+    for (Name const& name : {folder_.write("text", "x"), folder_.name(".")}) {
+        Ox::Ptr<iVolume> const volume = files().getVolume(name);
+        ASSERT_TRUE(volume);
+        EXPECT_EQ(status.f_bsize, volume->getBlockSize());
+    }
+}
+
+TEST_P(FileManagerContract, KnowsNoVolumeOfAPathThatIsNotThere) {
+    EXPECT_FALSE(files().getVolume(folder_.name("missing")));
+    EXPECT_EQ(iErrorService::systemErrorBase + ENOENT, lastError());
+    EXPECT_FALSE(files().getVolume(Name()));
 }
 
 TEST_P(FileManagerContract, TheMountedNameOfALocalFileIsItsName) {

@@ -9,8 +9,8 @@
 namespace test {
 
 /// A file manager whose call of a given number fails, once or from then on. Calls that do something to
-/// the disk or look at it count: copy, rename, delete, the existence test, information, size, folder
-/// and open. A call that fails does nothing.
+/// the disk or look at it count: copy, rename, delete, the existence test, information, volume, size,
+/// folder and open. A call that fails does nothing.
 ///
 /// Threads  Any.
 class FailingFileManager : public ForwardingFileManager {
@@ -51,6 +51,9 @@ public:
     [[nodiscard]] Ox::Ptr<iFile> openFile(Name const& name, std::uint32_t access, std::uint32_t behaviour,
                                           std::uint32_t share, std::uint32_t option) override {
         return fails() ? Ox::Ptr<iFile>() : real().openFile(name, access, behaviour, share, option);
+    }
+    [[nodiscard]] Ox::Ptr<iVolume> getVolume(Name const& path) override {
+        return fails() ? Ox::Ptr<iVolume>() : real().getVolume(path);
     }
     [[nodiscard]] std::uint64_t getFileSize(Name const& path) override {
         return fails() ? 0 : real().getFileSize(path);

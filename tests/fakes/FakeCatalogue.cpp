@@ -53,6 +53,9 @@ int FakeCatalogue::openEdits() const {
 
 bool FakeCatalogue::findFileForCookie(Cookie const& cookie, LightweightString<wchar_t>& filename,
                                       DecodeFormat const& format) {
+    if (onFind) {
+        onFind();
+    }
     std::lock_guard const scope(lock_);
     Cookie const asked =
         cookie.channel() == Cookie::wholeClip ? convertCookie(cookie, cookie.type(), 0) : cookie;

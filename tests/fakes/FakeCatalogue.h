@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -25,6 +26,9 @@ public:
     void addEdit(Cookie const& cookie, std::unique_ptr<configb> settings);
     /// Clips that are open at this moment.
     [[nodiscard]] int openEdits() const;
+
+    /// Run at the start of each look-up of a file; set before it is used.
+    std::function<void()> onFind;
 
     bool findFileForCookie(Cookie const& cookie, LightweightString<wchar_t>& filename,
                            DecodeFormat const& format) override;

@@ -17,6 +17,9 @@ Ox::Ptr<FileReadInstance> ScriptedReader::openFile(LightweightString<wchar_t> co
     if (!opens(call)) {
         return {};
     }
+    if (make) {
+        return make(call);
+    }
     ++made_;
     auto const file = Ox::makePtr<ScriptedFile>(narrow(filename), type, script, format);
     PlayFileMetadataRep& metadata = *file->metadata;

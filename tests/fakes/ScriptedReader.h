@@ -45,6 +45,8 @@ public:
     /// Fills the metadata of what was opened. As it comes: 100 frames, 1000 samples, one description of
     /// each medium.
     std::function<void(PlayFileMetadataRep&)> describe;
+    /// Makes the files that are opened, whole; empty: they are `ScriptedFile`s, described as above.
+    std::function<Ox::Ptr<FileReadInstance>(OpenCall const&)> make;
     /// The script of the files that are opened.
     FileScriptPtr const script;
 

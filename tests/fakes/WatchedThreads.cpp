@@ -100,10 +100,15 @@ int WatchedThreads::waitForAny(std::vector<ThreadEventPtr> const& events, std::u
     latestWaitMs = waitMs;
     {
         std::lock_guard const scope(lock_);
-        ++waits_[std::this_thread::get_id()];
+        Waits& waits = waits_[std::this_thread::get_id()];
+        ++waits.count;
+        waits.isAsleepWithoutLimit = waitMs == iThreadEvent::noTimeLimit;
         changed_.notify_all();
     }
-    return real_.waitForAny(events, waitMs);
+    int const index = real_.waitForAny(events, waitMs);
+    std::lock_guard const scope(lock_);
+    waits_[std::this_thread::get_id()].isAsleepWithoutLimit = false;
+    return index;
 }
 
 std::vector<std::shared_ptr<MadeThread>> WatchedThreads::threads() const {
@@ -123,8 +128,8 @@ std::shared_ptr<MadeThread> WatchedThreads::find(std::string_view name) const {
 
 bool WatchedThreads::waitUntilIdle(std::thread::id worker) {
     std::unique_lock scope(lock_);
-    unsigned const before = waits_[worker];
-    return changed_.wait_for(scope, testPatience, [&] { return waits_[worker] > before; });
+    Waits const before = waits_[worker];
+    return changed_.wait_for(scope, testPatience, [&] { return waits_[worker].isIdleSince(before); });
 }
 
 bool WatchedThreads::waitUntilAllIdle() {
@@ -133,7 +138,7 @@ bool WatchedThreads::waitUntilAllIdle() {
     return changed_.wait_for(scope, testPatience, [&] {
         return std::all_of(before.begin(), before.end(), [&](auto const& entry) {
             auto const now = waits_.find(entry.first);
-            return now == waits_.end() || now->second > entry.second;
+            return now == waits_.end() || now->second.isIdleSince(entry.second);
         });
     });
 }

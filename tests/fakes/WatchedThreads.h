@@ -44,8 +44,11 @@ public:
     /// Passed by everyone who makes a manual-reset event: a thread makes one when it is about to wait
     /// for a name that another holds.
     Gate manualEventMade{true};
-    /// Waits until a thread goes to wait for any of several events once more; false if it never does.
-    /// A queue's worker does so when it has nothing left to do and holds no request.
+    /// Waits until a thread goes to wait for any of several events once more, or is asleep there without a
+    /// limit; false if it never does. A queue's worker does so when it has nothing left to do and holds no
+    /// request.
+    ///
+    /// Requires of a worker that sleeps without a limit that it has woken for what it was given last.
     [[nodiscard]] bool waitUntilIdle(std::thread::id worker);
     /// The same for all threads that ever waited so and still run.
     [[nodiscard]] bool waitUntilAllIdle();
@@ -54,6 +57,15 @@ public:
 
 private:
     struct Trampoline;
+    /// What a thread has waited for any of several events.
+    struct Waits {
+        unsigned count = 0;
+        bool isAsleepWithoutLimit = false;
+
+        [[nodiscard]] bool isIdleSince(Waits const& before) const {
+            return count > before.count || isAsleepWithoutLimit;
+        }
+    };
 
     explicit WatchedThreads(iThreadService& real) : real_(real) {}
     static int runAndNote(void* trampoline);
@@ -62,6 +74,5 @@ private:
     mutable std::mutex lock_;
     std::condition_variable changed_;
     std::vector<std::shared_ptr<MadeThread>> threads_;
-    /// How often each thread went to wait.
-    std::map<std::thread::id, unsigned> waits_;
+    std::map<std::thread::id, Waits> waits_;
 };
