@@ -3,8 +3,9 @@
 #include <cstdio>
 #include <exception>
 
+#include "plugins/ffmpeg/FFmpegAudioDecoder.h"
 #include "plugins/ffmpeg/FFmpegReader.h"
-#include "plugins/ffmpeg/FFmpegSoundFile.h"
+#include "plugins/ffmpeg/FFmpegSoundReader.h"
 #include "toolkit/plugins/Plugin.h"
 #include "toolkit/services/Log.h"
 
@@ -14,6 +15,10 @@ namespace {
 /// Behind the readers that know a few formats well.
 constexpr int priority = 100;
 
+bool wantsVideo(OpenType type) {
+    return (type.mask() & OpenType::video) != 0;
+}
+
 class FFmpegReaderInfo : public Ox::FileReaderInfo {
 public:
     FFmpegReaderInfo() { readerName = "FFmpeg"; }
@@ -22,12 +27,7 @@ public:
                                                      DecodeFormat const& format, OpenType type) override {
         std::string error;
         try {
-            if (Ox::Ptr<FFmpegReader> const reader = FFmpegReader::open(filename, format, type, error)) {
-                return reader;
-            }
-            std::string soundError;
-            if (Ox::Ptr<FFmpegSoundFile> const file =
-                    FFmpegSoundFile::open(filename, format, type, soundError)) {
+            if (Ox::Ptr<FileReadInstance> const file = open(filename, format, type, error)) {
                 return file;
             }
         } catch (std::exception const& exception) {
@@ -39,13 +39,30 @@ public:
 
     /// FFmpeg tells a file by its contents, so every file is worth a look.
     [[nodiscard]] bool canOpen(LightweightString<wchar_t> const&, OpenType type) override {
-        return (type.mask() & OpenType::video) != 0;
+        return (type.mask() & (OpenType::video | OpenType::audio)) != 0;
     }
 
-    [[nodiscard]] std::uint32_t getReadableTypes(LightweightString<wchar_t> const&, OpenType,
+    [[nodiscard]] std::uint32_t getReadableTypes(LightweightString<wchar_t> const&, OpenType type,
                                                  PlayFileMetadataRep* metadata,
                                                  Aud::Metadata const&) override {
-        return metadata->videoInfoCount != 0 ? OpenType::video : OpenType::unknown;
+        OpenType const video = metadata->videoInfoCount != 0 ? OpenType::video : OpenType::unknown;
+        OpenType const audio = metadata->audioInfoCount != 0 ? OpenType::audio : OpenType::unknown;
+        return (video.mask() | audio.mask()) & type.mask();
+    }
+
+private:
+    /// A file of sound alone is described also when it is asked for pictures.
+    static Ox::Ptr<FileReadInstance> open(LightweightString<wchar_t> const& filename,
+                                          DecodeFormat const& format, OpenType type, std::string& error) {
+        if (wantsVideo(type)) {
+            if (Ox::Ptr<FFmpegReader> const reader = FFmpegReader::open(filename, format, type, error)) {
+                return reader;
+            }
+        }
+        std::string soundError;
+        Ox::Ptr<FFmpegSoundReader> const sound =
+            FFmpegSoundReader::open(filename, format, type, wantsVideo(type) ? soundError : error);
+        return sound;
     }
 };
 
@@ -69,5 +86,7 @@ extern "C" int playfile_registerPlugin(std::uint32_t interfaceVersion, iPluginRe
     }
     av_log_set_callback(&playfile_ffmpeg::logError);
     registrar.addFileReader(Ox::makePtr<playfile_ffmpeg::FFmpegReaderInfo>(), playfile_ffmpeg::priority);
+    registrar.addAudioDecoder(Ox::makePtr<playfile_ffmpeg::FFmpegAudioDecoderInfo>(),
+                              playfile_ffmpeg::priority);
     return 1;
 }

@@ -60,15 +60,27 @@ PictureShape wantedShape(DecodeFormat const& wanted, AVFrame const& picture) {
 
 Ox::Ptr<FFmpegReader> FFmpegReader::open(LightweightString<wchar_t> const& name, DecodeFormat const& format,
                                          OpenType type, std::string& error) {
-    std::unique_ptr<FrameFetcher> fetcher = FrameFetcher::open(toUTF8(name).str(), error);
-    return fetcher ? Ox::makePtr<FFmpegReader>(name, format, type, std::move(fetcher))
+    std::string const path = toUTF8(name).str();
+    std::unique_ptr<FrameFetcher> fetcher = FrameFetcher::open(path, error);
+    std::unique_ptr<SoundFile> sound;
+    if (fetcher && (type.mask() & OpenType::audio) != 0) {
+        sound = SoundFile::open(path, error);
+    }
+    return fetcher ? Ox::makePtr<FFmpegReader>(name, format, type, std::move(fetcher), std::move(sound))
                    : Ox::Ptr<FFmpegReader>();
 }
 
+/// A file that is opened for both, but has no sound that can be read, says so by having no streams of it.
 FFmpegReader::FFmpegReader(LightweightString<wchar_t> const& name, DecodeFormat const& format, OpenType type,
-                           std::unique_ptr<FrameFetcher> fetcher)
+                           std::unique_ptr<FrameFetcher> fetcher, std::unique_ptr<SoundFile> sound)
     : FileReadInstance(name, format, type), fetcher_(std::move(fetcher)) {
     describe(*fetcher_, *metadata);
+    if (sound) {
+        sound_ = std::make_unique<SoundServer>(metadata->audioStreams, std::move(sound));
+        countSound(sound_->file(), *metadata);
+    } else if ((type.mask() & OpenType::audio) != 0) {
+        metadata->audioInfoCount = 0;
+    }
 }
 
 /// A file of one frame shows that one whatever the number.
@@ -86,6 +98,12 @@ unsigned int FFmpegReader::readVideo(Ox::Ptr<FrameBufferRep>& buffer, Ox::Ptr<Vi
     } catch (std::exception const& exception) {
         Log("FFmpeg: \"%ls\", frame %u: %s\n", filename.c_str(), request->frame, exception.what());
         return noFrame;
+    }
+}
+
+void FFmpegReader::readAudio(Ox::Ptr<AudioReadRequest>& request) {
+    if (sound_) {
+        sound_->readAudio(request);
     }
 }
 

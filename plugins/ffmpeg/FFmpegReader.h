@@ -6,17 +6,18 @@
 #include "files/FileReadInstance.h"
 #include "plugins/ffmpeg/FrameFetcher.h"
 #include "plugins/ffmpeg/PictureConverter.h"
+#include "plugins/ffmpeg/SoundServer.h"
 
 namespace playfile_ffmpeg {
 
-/// The video of one file, read through the FFmpeg libraries.
+/// The video of one file, read through the FFmpeg libraries; and its sound, if it is opened for both.
 ///
 /// A request for the file's own size and format gets the decoder's memory, uncopied; any other is
 /// converted. A member of the request that isn't stated is the file's own; if only one of width and
 /// height is stated, the other keeps the picture's proportions. The surface says what was delivered.
 ///
-/// Threads  `readVideo`: the queue's thread. The decode options: any thread, they count for the reads
-///          after.
+/// Threads  `readVideo`, `readAudio`: the thread of their queue. The decode options: any thread, they
+///          count for the reads after.
 /// Errors   A frame that can't be decoded, or not be converted as wanted, fails; nothing is thrown.
 class FFmpegReader : public FileReadInstance {
 public:
@@ -26,6 +27,8 @@ public:
 
     using FileReadInstance::readVideo;
     unsigned int readVideo(Ox::Ptr<FrameBufferRep>& buffer, Ox::Ptr<VideoReadRequest>& request) override;
+
+    void readAudio(Ox::Ptr<AudioReadRequest>& request) override;
 
     [[nodiscard]] LightweightString<char> getDescription() const override;
 
@@ -37,12 +40,14 @@ public:
     void setDecodeOptionValues(configb const& values) override;
 
     FFmpegReader(LightweightString<wchar_t> const& name, DecodeFormat const& format, OpenType type,
-                 std::unique_ptr<FrameFetcher> fetcher);
+                 std::unique_ptr<FrameFetcher> fetcher, std::unique_ptr<SoundFile> sound);
 
 private:
     [[nodiscard]] PicturePtr pictureFor(DecodeFormat const& wanted, std::uint32_t frame);
 
     std::unique_ptr<FrameFetcher> const fetcher_;
+    /// Empty in a file that is opened for its video alone.
+    std::unique_ptr<SoundServer> sound_;
     /// The queue's thread only.
     PictureConverter converter_;
     std::atomic<AVColorSpace> assumedMatrix_{AVCOL_SPC_UNSPECIFIED};

@@ -79,15 +79,21 @@ Aud::Metadata audioOf(AudioStreamFacts const& facts) {
     return stream;
 }
 
+/// As the container states it.
 void describeAudio(StreamFacts const& facts, PlayFileMetadataRep& metadata) {
     for (AudioStreamFacts const& stream : facts.audio) {
         metadata.audioStreams.push_back(audioOf(stream));
         metadata.audioSampleCount = std::max(
             metadata.audioSampleCount, static_cast<std::uint64_t>(std::max<int64_t>(stream.sampleCount, 0)));
-        std::string const prefix = "audio." + std::to_string(metadata.audioStreams.size());
-        set(metadata.extraConfig, prefix + ".language", stream.language);
     }
     metadata.audioInfoCount = static_cast<std::uint32_t>(metadata.audioStreams.size());
+}
+
+void describeLanguages(StreamFacts const& facts, configb& config) {
+    int number = 0;
+    for (AudioStreamFacts const& stream : facts.audio) {
+        set(config, "audio." + std::to_string(++number) + ".language", stream.language);
+    }
 }
 
 void describeCoverArt(StreamFacts const& facts, configb& config) {
@@ -127,12 +133,14 @@ void describe(FrameFetcher const& fetcher, PlayFileMetadataRep& metadata) {
     describeTiming(fetcher, metadata);
     describeForPeople(fetcher, metadata);
     describeAudio(facts, metadata);
+    describeLanguages(facts, metadata.extraConfig);
     describeCoverArt(facts, metadata.extraConfig);
     metadata.editLabel =
         EditLabel(LightweightString<char>(facts.reel), LightweightString<char>(facts.startTimecode));
 }
 
-void describeSound(StreamFacts const& facts, PlayFileMetadataRep& metadata) {
+void describe(SoundFile const& file, PlayFileMetadataRep& metadata) {
+    StreamFacts const& facts = file.facts();
     configb& config = metadata.extraConfig;
     set(config, "container", facts.format);
     set(config, "codec", facts.codec);
@@ -140,10 +148,16 @@ void describeSound(StreamFacts const& facts, PlayFileMetadataRep& metadata) {
     for (auto const& [key, value] : facts.tags) {
         set(config, "tag." + key, value);
     }
-    describeAudio(facts, metadata);
+    describeLanguages(facts, config);
     describeCoverArt(facts, config);
+    countSound(file, metadata);
     metadata.editLabel =
         EditLabel(LightweightString<char>(facts.reel), LightweightString<char>(facts.startTimecode));
+}
+
+void countSound(SoundFile const& file, PlayFileMetadataRep& metadata) {
+    metadata.audioSampleCount = static_cast<std::uint64_t>(file.sampleCount());
+    metadata.audioInfoCount = static_cast<std::uint32_t>(file.tracks().size());
 }
 
 double timeOfFrame(FrameFetcher const& fetcher, std::uint32_t frame) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plugins/ffmpeg/FrameFetcher.h"
+#include "plugins/ffmpeg/SoundFile.h"
 #include "toolkit/image/PlayFileMetadataRep.h"
 
 namespace playfile_ffmpeg {
@@ -11,8 +12,12 @@ namespace playfile_ffmpeg {
 /// `coverArt.N.codec`, `.width`, `.height` and `.data` (base 64).
 void describe(FrameFetcher const& fetcher, PlayFileMetadataRep& metadata);
 
-/// The same for a file of sound alone: what isn't about pictures.
-void describeSound(StreamFacts const& facts, PlayFileMetadataRep& metadata);
+/// The same for a file that is opened for its sound alone: what isn't about pictures.
+void describe(SoundFile const& file, PlayFileMetadataRep& metadata);
+
+/// Counts the streams and samples of sound that can be read. The streams themselves are described by who
+/// reads them.
+void countSound(SoundFile const& file, PlayFileMetadataRep& metadata);
 
 /// Seconds of a frame from the first one.
 double timeOfFrame(FrameFetcher const& fetcher, std::uint32_t frame);

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <span>
+
+#include "plugins/ffmpeg/Bundle.h"
+#include "plugins/ffmpeg/SoundDecoder.h"
+#include "plugins/ffmpeg/SoundForm.h"
+
+namespace playfile_ffmpeg {
+
+/// Decodes bundles: feeds the packets that are new, keeps what comes out as long as it may be wanted
+/// again, and gives the samples that a bundle asks for.
+///
+/// Every sample keeps its number: what a damaged packet doesn't give is silence of its length.
+///
+/// Threads      One at a time.
+/// Units        Samples of each channel, as decoded.
+class BundleDecoder {
+public:
+    BundleDecoder(std::unique_ptr<SoundDecoder> decoder, SoundForm form);
+
+    SoundForm const& form() const { return form_; }
+    /// Forgets all that it has been given.
+    void reset();
+
+    /// Feeds the packets of a bundle.
+    void take(Bundle const& bundle);
+    /// Writes one channel of the bundle's samples, which it has just taken.
+    void write(Bundle const& bundle, int channel, uint8_t* to) const;
+
+private:
+    struct Decoded {
+        AvPtr<AVFrame> frame;
+        int64_t firstSample = 0;
+        int64_t endSample() const { return firstSample + frame->nb_samples; }
+    };
+
+    void startAnew(Bundle const& bundle);
+    void feed(Bundle::Packet const& packet);
+    void drain();
+    void place(Bundle::Packet const& packet, size_t before);
+    void collect();
+    bool isUsable(AVFrame const& frame) const;
+    void forgetBefore(int64_t sample);
+    uint8_t* writeRun(SampleRun const& run, int channel, uint8_t* to) const;
+
+    std::unique_ptr<SoundDecoder> const decoder_;
+    SoundForm const form_;
+    bool const isDelayed_;
+    AvPtr<AVPacket> const packet_;
+    std::deque<Decoded> decoded_;  ///< In ascending order.
+    int64_t next_ = 0;             ///< Where the next frame of a decoder that holds back samples stands.
+    bool isAtStart_ = true;        ///< Nothing has come out since the decoder began.
+    bool isDrained_ = false;
+};
+
+}  // namespace playfile_ffmpeg

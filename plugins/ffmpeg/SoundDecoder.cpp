@@ -1,0 +1,97 @@
+#include "plugins/ffmpeg/SoundDecoder.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+#include <utility>
+
+namespace playfile_ffmpeg {
+namespace {
+
+/// Decoders that are slow to open and whose flush leaves nothing behind that the next packets' lead-in
+/// wouldn't clear. All others are opened anew: many of them keep their state over a flush.
+constexpr std::array forgettingCodecs = {
+    AV_CODEC_ID_AAC,  AV_CODEC_ID_AAC_LATM, AV_CODEC_ID_AC3,    AV_CODEC_ID_EAC3,   AV_CODEC_ID_MP1,
+    AV_CODEC_ID_MP2,  AV_CODEC_ID_MP3,      AV_CODEC_ID_VORBIS, AV_CODEC_ID_OPUS,   AV_CODEC_ID_FLAC,
+    AV_CODEC_ID_ALAC, AV_CODEC_ID_WMAV1,    AV_CODEC_ID_WMAV2,  AV_CODEC_ID_WMAPRO, AV_CODEC_ID_DTS};
+
+}  // namespace
+
+AvPtr<AVCodecParameters> copyOf(AVCodecParameters const& parameters) {
+    AvPtr<AVCodecParameters> copy(avcodec_parameters_alloc());
+    if (!copy || avcodec_parameters_copy(copy.get(), &parameters) < 0) {
+        throw std::bad_alloc();
+    }
+    return copy;
+}
+
+std::unique_ptr<SoundDecoder> SoundDecoder::open(AVCodecParameters const& parameters, std::string& error) {
+    std::unique_ptr<SoundDecoder> decoder(new SoundDecoder(copyOf(parameters)));
+    int const code = decoder->openContext();
+    if (code < 0) {
+        error =
+            std::string("no decoder for ") + avcodec_get_name(parameters.codec_id) + ": " + avErrorText(code);
+        return nullptr;
+    }
+    return decoder;
+}
+
+int SoundDecoder::openContext() {
+    AVCodec const* const codec = avcodec_find_decoder(parameters_->codec_id);
+    if (codec == nullptr) {
+        return AVERROR_DECODER_NOT_FOUND;
+    }
+    AvPtr<AVCodecContext> context(avcodec_alloc_context3(codec));
+    if (!context) {
+        throw std::bad_alloc();
+    }
+    int code = avcodec_parameters_to_context(context.get(), parameters_.get());
+    if (code < 0) {
+        return code;
+    }
+    context->thread_count = 1;
+    context->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
+    AVDictionary* options = nullptr;
+    // Where noise stands in for what wasn't coded, it must be the same noise however one came there.
+    av_dict_set(&options, "cons_noisegen", "1", 0);
+    code = avcodec_open2(context.get(), codec, &options);
+    av_dict_free(&options);
+    if (code >= 0) {
+        context_ = std::move(context);
+    }
+    return code;
+}
+
+void SoundDecoder::restart() {
+    bool const forgets = std::find(forgettingCodecs.begin(), forgettingCodecs.end(), parameters_->codec_id) !=
+                         forgettingCodecs.end();
+    if (forgets) {
+        avcodec_flush_buffers(context_.get());
+    } else {
+        restartAtFirstPacket();
+    }
+}
+
+void SoundDecoder::restartAtFirstPacket() {
+    if (openContext() < 0) {
+        avcodec_flush_buffers(context_.get());
+    }
+}
+
+bool SoundDecoder::feed(AVPacket const* packet) {
+    bool const isEmpty = packet != nullptr && packet->size == 0;
+    return !isEmpty && avcodec_send_packet(context_.get(), packet) >= 0;
+}
+
+AvPtr<AVFrame> SoundDecoder::receive() {
+    if (!spare_) {
+        spare_ = makeFrame();
+    }
+    return avcodec_receive_frame(context_.get(), spare_.get()) >= 0 ? std::move(spare_) : nullptr;
+}
+
+bool SoundDecoder::isDelayed() const {
+    return (context_->codec->capabilities & AV_CODEC_CAP_DELAY) != 0;
+}
+
+}  // namespace playfile_ffmpeg

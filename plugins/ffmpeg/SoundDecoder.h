@@ -1,0 +1,46 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "plugins/ffmpeg/AvPointers.h"
+
+namespace playfile_ffmpeg {
+
+/// A decoder of sound of the FFmpeg libraries that gives all that it decodes: what a container wants
+/// skipped is left to whoever numbers the samples.
+///
+/// Threads      One at a time.
+class SoundDecoder {
+public:
+    /// Empty with the reason in `error`.
+    static std::unique_ptr<SoundDecoder> open(AVCodecParameters const& parameters, std::string& error);
+
+    /// Forgets what earlier packets have left, as for a packet in the middle of the stream.
+    void restart();
+    /// Forgets it as thoroughly as a new decoder does.
+    void restartAtFirstPacket();
+
+    /// Takes a packet; null says that no more follow. A packet without bytes counts as damaged.
+    /// False if it can't be decoded.
+    bool feed(AVPacket const* packet);
+    /// What came of it, frame by frame; empty when there is no more.
+    AvPtr<AVFrame> receive();
+
+    /// True if it still has samples when the last packet was taken.
+    bool isDelayed() const;
+    AVCodecContext const& context() const { return *context_; }
+
+private:
+    explicit SoundDecoder(AvPtr<AVCodecParameters> parameters) : parameters_(std::move(parameters)) {}
+    int openContext();
+
+    AvPtr<AVCodecParameters> const parameters_;
+    AvPtr<AVCodecContext> context_;
+    AvPtr<AVFrame> spare_;
+};
+
+/// A copy; throws std::bad_alloc when there is no memory.
+AvPtr<AVCodecParameters> copyOf(AVCodecParameters const& parameters);
+
+}  // namespace playfile_ffmpeg

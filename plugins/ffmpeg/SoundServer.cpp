@@ -1,0 +1,123 @@
+#include "plugins/ffmpeg/SoundServer.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "plugins/ffmpeg/FFmpegAudioDecoder.h"
+#include "plugins/ffmpeg/SoundConfiguration.h"
+#include "toolkit/services/Log.h"
+
+namespace playfile_ffmpeg {
+
+SoundServer::SoundServer(std::vector<Aud::Metadata>& audioStreams, std::unique_ptr<SoundFile> file)
+    : AudioReader(audioStreams), file_(std::move(file)) {
+    audioStreams.clear();
+    for (SoundTrack const& track : file_->tracks()) {
+        audioStreams.push_back(metadataOf(track.form));
+    }
+    for (unsigned int stream = 0; stream < file_->tracks().size(); ++stream) {
+        SoundTrack const& track = file_->tracks()[stream];
+        if (track.coded) {
+            initAudioCodec(stream, Ox::makePtr<SoundConfiguration>(*track.parameters, track.form));
+        }
+    }
+}
+
+void SoundServer::readAudio(Ox::Ptr<AudioReadRequest>& request) {
+    ScopedLock const scope(lock_);
+    if (isBehindEnd(*request)) {
+        request->setRequestStatus(requestComplete);
+        Ox::Ptr<iObject> self(request);
+        request->doCallbacks(self);
+        return;
+    }
+    expect(*request);
+    AudioReader::readAudio(request);
+    isReading_ = false;
+}
+
+bool SoundServer::isBehindEnd(AudioReadRequest const& request) const {
+    if (request.stream >= file_->tracks().size()) {
+        return false;
+    }
+    SoundTrack const& track = file_->tracks()[request.stream];
+    return track.coded && request.startSample >= static_cast<std::uint64_t>(track.sampleCount());
+}
+
+void SoundServer::expect(AudioReadRequest const& request) {
+    isReading_ = request.stream < streams.size() && streams[request.stream].samplesPerCodecFrame != 0;
+    if (!isReading_) {
+        return;
+    }
+    std::uint64_t const frameSamples = streams[request.stream].samplesPerCodecFrame;
+    wanted_.stream = request.stream;
+    wanted_.firstFrame = request.startSample / frameSamples;
+    wanted_.endSample = request.startSample + request.numSamples;
+    wanted_.fetchedSamples = request.mcsCount;
+    SoundTrack const& track = file_->tracks()[request.stream];
+    wanted_.decodesAhead =
+        track.coded && track.coded->goesOnAt(static_cast<int64_t>(wanted_.firstFrame * frameSamples));
+}
+
+OxResult SoundServer::readAudioSamples(unsigned int stream, unsigned long sample, unsigned int count,
+                                       Ox::Ptr<ByteBufferImpl>& buffer, unsigned int& samplesRead,
+                                       unsigned int&, unsigned int&) {
+    try {
+        SoundTrack& track = file_->tracks()[stream];
+        if (track.pcm) {
+            std::uint32_t const bytesOfAll =
+                track.form.bytesPerSample() * static_cast<std::uint32_t>(track.form.channels);
+            return readPcm(*track.pcm, bytesOfAll, sample, count, *buffer, samplesRead);
+        }
+        bool const hasDecoder = codecs.count(static_cast<int>(stream)) != 0;
+        return track.coded && hasDecoder ? readBundle(stream, sample, *buffer) : oxFailure;
+    } catch (std::exception const& exception) {
+        Log("FFmpeg: stream %u can't be read: %s\n", stream, exception.what());
+        return oxFailure;
+    }
+}
+
+OxResult SoundServer::readPcm(PcmTrack& track, std::uint32_t bytesOfAll, std::uint64_t sample,
+                              std::uint32_t count, ByteBufferImpl& buffer, unsigned int& samplesRead) const {
+    std::uint64_t const total = static_cast<std::uint64_t>(track.sampleCount());
+    std::uint64_t const available = sample < total ? total - sample : 0;
+    samplesRead = static_cast<unsigned int>(std::min<std::uint64_t>(count, available));
+    std::uint32_t const used = buffer.getUsed();
+    buffer.setUsed(used + samplesRead * bytesOfAll);
+    if (samplesRead != 0) {
+        track.read(static_cast<int64_t>(sample), samplesRead,
+                   static_cast<std::uint8_t*>(buffer.getBuffer()) + used);
+    }
+    return samplesRead == count ? oxSuccess : oxEndOfData;
+}
+
+/// The end of the data, told before it is there, ends a read that has what it needs.
+OxResult SoundServer::readBundle(unsigned int stream, std::uint64_t frame, ByteBufferImpl& buffer) {
+    CodedTrack& track = *file_->tracks()[stream].coded;
+    std::uint64_t const first = frame * streams[stream].samplesPerCodecFrame;
+    if (first >= static_cast<std::uint64_t>(track.sampleCount())) {
+        return oxNoMorePackets;
+    }
+    bool const isWanted = isReading_ && wanted_.stream == stream;
+    if (isWanted && !wanted_.decodesAhead && first >= wanted_.endSample) {
+        return oxEndOfData;
+    }
+    track.bundle(static_cast<int64_t>(first), static_cast<int64_t>(endOf(stream, frame)), bundle_);
+    buffer.append(bundle_.data(), static_cast<std::uint32_t>(bundle_.size()));
+    return oxSuccess;
+}
+
+std::uint64_t SoundServer::endOf(unsigned int stream, std::uint64_t frame) const {
+    std::uint64_t const frameSamples = streams[stream].samplesPerCodecFrame;
+    std::uint64_t end = (frame + 1) * frameSamples;
+    bool const isWanted = isReading_ && wanted_.stream == stream && frame >= wanted_.firstFrame;
+    bool const endsRead =
+        isWanted && (frame + 1 - wanted_.firstFrame) * frameSamples >= wanted_.fetchedSamples;
+    if (endsRead) {
+        end = std::max(end, wanted_.endSample);
+    }
+    return std::min(end, static_cast<std::uint64_t>(file_->tracks()[stream].sampleCount()));
+}
+
+}  // namespace playfile_ffmpeg

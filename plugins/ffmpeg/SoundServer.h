@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "audio/AudioReader.h"
+#include "plugins/ffmpeg/SoundFile.h"
+
+namespace playfile_ffmpeg {
+
+/// Serves the audio reads of one open file.
+///
+/// A coded stream is read by frames that are counted from its first sample that is heard. A read that
+/// goes on where the last one ended decodes as far ahead as the library asks; one that jumps there
+/// decodes what its request needs and no more.
+///
+/// Threads    As `Ox::AudioReader`.
+/// Errors     A stream without a decoder fails its reads. A read that begins behind the end of a stream
+///            that is shorter than the file is complete and empty.
+/// Deliberate The frame that ends a read is longer than the others if the request's samples go on behind
+///            it: where a read begins inside a frame, the samples that it asks for end behind as many whole
+///            frames as it counts.
+class SoundServer final : public Ox::AudioReader {
+public:
+    /// @param audioStreams  of the file's metadata, which gets the forms of all streams
+    SoundServer(std::vector<Aud::Metadata>& audioStreams, std::unique_ptr<SoundFile> file);
+
+    void readAudio(Ox::Ptr<AudioReadRequest>& request) override;
+    OxResult readAudioSamples(unsigned int stream, unsigned long sample, unsigned int count,
+                              Ox::Ptr<ByteBufferImpl>& buffer, unsigned int& samplesRead,
+                              unsigned int& skipStart, unsigned int& skipEnd) override;
+    [[nodiscard]] bool readsByVideoSamples() override { return false; }
+
+    [[nodiscard]] SoundFile const& file() const { return *file_; }
+
+private:
+    /// What the read that is under way wants of its stream.
+    struct Wanted {
+        std::uint32_t stream = 0;
+        std::uint64_t firstFrame = 0;
+        std::uint64_t endSample = 0;
+        std::uint64_t fetchedSamples = 0;
+        bool decodesAhead = false;
+    };
+
+    [[nodiscard]] bool isBehindEnd(AudioReadRequest const& request) const;
+    void expect(AudioReadRequest const& request);
+    [[nodiscard]] OxResult readPcm(PcmTrack& track, std::uint32_t bytesOfAll, std::uint64_t sample,
+                                   std::uint32_t count, ByteBufferImpl& buffer,
+                                   unsigned int& samplesRead) const;
+    [[nodiscard]] OxResult readBundle(unsigned int stream, std::uint64_t frame, ByteBufferImpl& buffer);
+    [[nodiscard]] std::uint64_t endOf(unsigned int stream, std::uint64_t frame) const;
+
+    std::unique_ptr<SoundFile> const file_;
+    bool isReading_ = false;
+    Wanted wanted_;
+    std::vector<std::uint8_t> bundle_;
+};
+
+}  // namespace playfile_ffmpeg
