@@ -10,6 +10,7 @@
 #include "ole/os/Callback.h"
 #include "ole/os/Errors.h"
 #include "ole/os/Reclaimable.h"
+#include "toolkit/catalogue/OpenType.h"
 #include "toolkit/catalogue/Repository.h"
 #include "toolkit/image/ReadRequestIssuer.h"
 #include "toolkit/services/RequestStatus.h"
@@ -73,6 +74,27 @@ public:
 
     /// Forgets all open files; failed opens stay known.
     void closeAll();
+    /// Forgets the files of a cookie, or of all channels of an edit, for the media that `types` names.
+    ///
+    /// Deliberate  Of an edit's video channels one more is looked at than there are.
+    void close(Cookie const& cookie, eMediaTypes types);
+    /// Forgets one file, open or failed, whoever still reads it. The result is always empty.
+    Ox::Ptr<FileReadInstance> remove(Cookie const& cookie, DecodeFormat const& format);
+    /// Forgets every open instance of a file; a failed open stays known.
+    void remove(LightweightString<wchar_t> const& filename);
+
+    /// Gives one media file of a clip another identity: the file that bears the clip's name, the catalogue's
+    /// entry, and the waveform. False if there is no such file or it can't be renamed.
+    ///
+    /// Deliberate  It forgets the file in `Shared()` before it is known whether the file can be renamed.
+    ///             Proxies aren't filed again.
+    [[nodiscard]] bool renameMediaFile(Cookie const& from, Cookie const& to);
+    /// The same for all channels of an edit. False if the new identity has media already, and if not all
+    /// could be renamed; those that were stay so.
+    [[nodiscard]] bool renameMediaFiles(Cookie const& from, Cookie const& to);
+
+    /// Has every open file of an edit compute a size anew; `size` only ever shrinks.
+    void recalculateSize(Cookie const& edit, unsigned int value, unsigned int& size);
     /// Subscribed by the constructor: when media can be reached again, failed opens are forgotten and
     /// the drives' listeners are told to look again. Answers 0.
     int handleRepositoryEvents(iAssetRepository::Event const& event);
@@ -140,6 +162,7 @@ private:
     [[nodiscard]] Ox::Ptr<FileReadInstance> openReal(CacheEntry const& key, Cookie const& cookie,
                                                      DecodeFormat const& format, unsigned int streamIndex);
     void applyDecodeSettings(Cookie const& cookie, FileReadInstance& file) PLAYFILE_REQUIRES(cacheLock_);
+    void removeLevels(Cookie const& cookie, eMediaTypes types);
     void stamp(FileReadInstance& file) PLAYFILE_REQUIRES(cacheLock_);
     void noteOpenCount() PLAYFILE_REQUIRES(cacheLock_);
 

@@ -1,12 +1,11 @@
 #include "playfile/playfile.h"
 
 #include "files/PlayFileCache.h"
-#include "playfile/Settings.h"
 #include "toolkit/plugins/DecoderInfo.h"
+#include "video/FilePreOpen.h"
 
 void playfile_init() {
-    static_cast<void>(getNumThreads());
-    static_cast<void>(getReadPollDelay());
+    static_cast<void>(Ox::FilePreOpen::instance());
 }
 
 void playfile_exit() {
@@ -16,5 +15,10 @@ void playfile_exit() {
 /// The decoders come second: the files that are closed first are what held them.
 void playfile_close_all_files() {
     PlayFileCache::Shared()->closeAll();
+    CodecPool::flushAllUnreferenced();
+}
+
+void playfile_close_files(Cookie const& cookie, eMediaTypes types) {
+    PlayFileCache::Shared()->close(cookie, types);
     CodecPool::flushAllUnreferenced();
 }

@@ -3,6 +3,7 @@
 #include <atomic>
 
 #include "ole/os/Immortal.h"
+#include "ole/os/OS.h"
 
 namespace {
 
@@ -13,28 +14,111 @@ bool isSameTypeOfClip(Cookie const& a, Cookie const& b) {
     return a.uuid() == b.uuid() && a.type() == b.type();
 }
 
+template <class Files>
+Ox::Ptr<FsysDirectoryEntry> entryOf(Cookie const& cookie, Files const& files) {
+    return Ox::makePtr<FsysDirectoryEntry>(cookie, files.original.value_or(MediaFileInfo()), files.proxies);
+}
+
+/// Deletes what lies at the file's own place; false if it is still there.
+bool deleteOwnFile(MediaFileInfo const& file) {
+    LightweightString<wchar_t> const path = file.getLinkFileName();
+    iFileManager& files = OS()->getFileManager();
+    return path.empty() || !files.fileExists(path) || files.deleteFile(path);
+}
+
 }  // namespace
 
-/// For the clip as a whole, entries of its type begin at channel 0; the first of the level is meant.
+/// For the clip as a whole the first entry of the cookie's type is meant.
+MemoryCatalogue::Entries::const_iterator MemoryCatalogue::find(Cookie const& cookie) const {
+    auto found = entries_.find(cookie);
+    if (found == entries_.end() && cookie.channel() == Cookie::wholeClip) {
+        found = entries_.lower_bound(convertCookie(cookie, cookie.type(), 0));
+        if (found != entries_.end() && !isSameTypeOfClip(found->first, cookie)) {
+            found = entries_.end();
+        }
+    }
+    return found;
+}
+
+/// The name is made without the lock: it may ask the file manager.
 bool MemoryCatalogue::findFileForCookie(Cookie const& cookie, LightweightString<wchar_t>& filename,
                                         DecodeFormat const& format) {
+    std::optional<MediaFileInfo> file;
+    {
+        std::lock_guard const scope(lock_);
+        auto const found = find(cookie);
+        if (found == entries_.end()) {
+            return false;
+        }
+        Files const& files = found->second;
+        if (format.level == levelProxy) {
+            file = files.proxies.empty() ? std::nullopt : std::optional(files.proxies.front());
+        } else {
+            file = files.original;
+        }
+    }
+    if (file) {
+        filename = file->getPhysicalFilename();
+    }
+    return file.has_value();
+}
+
+Ox::Ptr<FsysDirectoryEntry> MemoryCatalogue::findEntryForCookie(Cookie const& cookie) {
     std::lock_guard const scope(lock_);
-    auto found = files_.find(Key{cookie, format.level});
-    if (found == files_.end() && cookie.channel() == Cookie::wholeClip) {
-        found = files_.lower_bound(Key{convertCookie(cookie, cookie.type(), 0), 0});
-        while (found != files_.end() && isSameTypeOfClip(found->first.cookie, cookie) &&
-               found->first.level != format.level) {
-            ++found;
-        }
-        if (found != files_.end() && !isSameTypeOfClip(found->first.cookie, cookie)) {
-            found = files_.end();
+    auto const found = find(cookie);
+    return found == entries_.end() ? Ox::Ptr<FsysDirectoryEntry>() : entryOf(found->first, found->second);
+}
+
+std::vector<Ox::Ptr<FsysDirectoryEntry>> MemoryCatalogue::getClipMediaFiles(Cookie const& clip) {
+    std::lock_guard const scope(lock_);
+    std::vector<Ox::Ptr<FsysDirectoryEntry>> entries;
+    for (auto const& [cookie, files] : entries_) {
+        if (cookie.uuid() == clip.uuid()) {
+            entries.push_back(entryOf(cookie, files));
         }
     }
-    if (found == files_.end()) {
-        return false;
+    return entries;
+}
+
+void MemoryCatalogue::addFile(Cookie const& cookie, MediaFileInfo const& file, bool) {
+    std::lock_guard const scope(lock_);
+    Files& files = entries_[cookie];
+    if (file.isProxy()) {
+        files.proxies.push_back(file);
+    } else {
+        files.original = file;
     }
-    filename = found->second;
-    return true;
+}
+
+/// The files are deleted without the lock, and what is gone already is no failure.
+OxResult MemoryCatalogue::removeFile(Cookie const& cookie, eMediaTypes types, bool) {
+    std::vector<MediaFileInfo> removed;
+    {
+        std::lock_guard const scope(lock_);
+        auto const found = entries_.find(cookie);
+        if (found == entries_.end()) {
+            return oxSuccess;
+        }
+        Files& files = found->second;
+        if ((types & mediaOriginal) != 0 && files.original) {
+            removed.push_back(*files.original);
+            files.original.reset();
+        }
+        if ((types & mediaProxy) != 0) {
+            removed.insert(removed.end(), files.proxies.begin(), files.proxies.end());
+            files.proxies.clear();
+        }
+        if (!files.original && files.proxies.empty()) {
+            entries_.erase(found);
+        }
+    }
+    OxResult result = oxSuccess;
+    for (MediaFileInfo const& file : removed) {
+        if (!deleteOwnFile(file)) {
+            result = OS()->getErrors().getLastError();
+        }
+    }
+    return result;
 }
 
 std::int32_t MemoryCatalogue::getStartOffset(Cookie const& cookie) {
@@ -45,13 +129,26 @@ std::int32_t MemoryCatalogue::getStartOffset(Cookie const& cookie) {
 
 void MemoryCatalogue::add(Cookie const& cookie, LightweightString<wchar_t> const& filename,
                           eProxyLevel level) {
-    std::lock_guard const scope(lock_);
-    files_[Key{cookie, level}] = filename;
+    MediaFileInfo file(MaterialFilename(DriveId::none, filename), 0);
+    file.isProxyFile = level == levelProxy;
+    remove(cookie, level);
+    addFile(cookie, file);
 }
 
 void MemoryCatalogue::remove(Cookie const& cookie, eProxyLevel level) {
     std::lock_guard const scope(lock_);
-    files_.erase(Key{cookie, level});
+    auto const found = entries_.find(cookie);
+    if (found == entries_.end()) {
+        return;
+    }
+    if (level == levelProxy) {
+        found->second.proxies.clear();
+    } else {
+        found->second.original.reset();
+    }
+    if (!found->second.original && found->second.proxies.empty()) {
+        entries_.erase(found);
+    }
 }
 
 void MemoryCatalogue::setStartOffset(Cookie const& cookie, std::int32_t samples) {

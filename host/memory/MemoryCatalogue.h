@@ -2,6 +2,8 @@
 
 #include <map>
 #include <mutex>
+#include <optional>
+#include <vector>
 
 #include "toolkit/catalogue/MaterialInfo.h"
 #include "toolkit/catalogue/SystemCache.h"
@@ -13,9 +15,13 @@ class MemoryCatalogue final : public SystemCache, public MaterialInfo::iStore {
 public:
     [[nodiscard]] bool findFileForCookie(Cookie const& cookie, LightweightString<wchar_t>& filename,
                                          DecodeFormat const& format) override;
+    [[nodiscard]] Ox::Ptr<FsysDirectoryEntry> findEntryForCookie(Cookie const& cookie) override;
+    [[nodiscard]] std::vector<Ox::Ptr<FsysDirectoryEntry>> getClipMediaFiles(Cookie const& clip) override;
+    void addFile(Cookie const& cookie, MediaFileInfo const& file, bool option = false) override;
+    OxResult removeFile(Cookie const& cookie, eMediaTypes types, bool option = false) override;
     [[nodiscard]] std::int32_t getStartOffset(Cookie const& cookie) override;
 
-    /// Says which file holds a cookie at a level; what it said before is forgotten.
+    /// Says which file, of no drive, holds a cookie at a level; what it said before is forgotten.
     void add(Cookie const& cookie, LightweightString<wchar_t> const& filename,
              eProxyLevel level = levelOriginal);
     void remove(Cookie const& cookie, eProxyLevel level = levelOriginal);
@@ -25,13 +31,17 @@ public:
     [[nodiscard]] static MemoryCatalogue& instance();
 
 private:
-    struct Key {
-        Cookie cookie;
-        std::uint32_t level;
-        auto operator<=>(Key const&) const = default;
+    /// What one cookie has.
+    struct Files {
+        std::optional<MediaFileInfo> original;
+        std::vector<MediaFileInfo> proxies;
     };
+    using Entries = std::map<Cookie, Files>;
+
+    /// Requires the lock.
+    [[nodiscard]] Entries::const_iterator find(Cookie const& cookie) const;
 
     std::mutex lock_;
-    std::map<Key, LightweightString<wchar_t>> files_;
+    Entries entries_;
     std::map<Cookie, std::int32_t> startOffsets_;
 };

@@ -1,6 +1,7 @@
 #include "host/memory/MemoryEditStore.h"
 
 #include <atomic>
+#include <numeric>
 #include <optional>
 
 #include "ole/os/Immortal.h"
@@ -11,17 +12,39 @@ constinit std::atomic<iEditStore*> installedEdits{nullptr};
 
 }  // namespace
 
-/// A clip as it stood when it was added.
+/// A clip as it stood when it was added or last changed; a change makes a new one.
 class MemoryEditStore::StoredEdit : public Edit {
 public:
-    explicit StoredEdit(std::optional<configb> settings) : settings_(std::move(settings)) {}
+    explicit StoredEdit(Cookie const& cookie) : cookie_(cookie) {}
+
     [[nodiscard]] configb const* getDecodeSettings() const override {
-        return settings_ ? &*settings_ : nullptr;
+        return settings ? &*settings : nullptr;
+    }
+    void getChans(Vector<int>& channels, std::uint32_t kind, std::uint32_t) const override {
+        channels.resize(kind == Edit::videoChannels ? videoCount : audioCount);
+        std::iota(channels.begin(), channels.end(), kind == Edit::videoChannels ? 0 : 1);
+    }
+    [[nodiscard]] CookieVec getReferences(std::uint32_t) const override {
+        CookieVec cookies;
+        for (std::uint32_t channel = 0; channel < videoCount; ++channel) {
+            cookies.add(convertCookie(cookie_, 'V', static_cast<std::uint8_t>(channel)));
+        }
+        for (std::uint32_t channel = 1; channel <= audioCount; ++channel) {
+            cookies.add(convertCookie(cookie_, 'S', static_cast<std::uint8_t>(channel)));
+        }
+        return cookies;
     }
 
+    std::optional<configb> settings;
+    std::uint32_t videoCount = 0;
+    std::uint32_t audioCount = 0;
+
 private:
-    std::optional<configb> const settings_;
+    Cookie const cookie_;
 };
+
+MemoryEditStore::MemoryEditStore() = default;
+MemoryEditStore::~MemoryEditStore() = default;
 
 Ox::Ptr<Edit> MemoryEditStore::open(Cookie const& cookie) {
     std::lock_guard const scope(lock_);
@@ -38,14 +61,29 @@ void MemoryEditStore::close(Edit&) {
     --openCount_;
 }
 
+/// A copy of what is there, for whoever has the clip open keeps it as it was. Requires the lock.
+MemoryEditStore::StoredEdit& MemoryEditStore::change(Cookie const& cookie) {
+    Ox::Ptr<StoredEdit>& edit = edits_[cookie];
+    edit = edit ? Ox::makePtr<StoredEdit>(*edit) : Ox::makePtr<StoredEdit>(cookie);
+    return *edit;
+}
+
 void MemoryEditStore::add(Cookie const& cookie) {
     std::lock_guard const scope(lock_);
-    edits_[cookie] = Ox::makePtr<StoredEdit>(std::nullopt);
+    change(cookie).settings.reset();
 }
 
 void MemoryEditStore::add(Cookie const& cookie, configb const& decodeSettings) {
     std::lock_guard const scope(lock_);
-    edits_[cookie] = Ox::makePtr<StoredEdit>(decodeSettings);
+    change(cookie).settings = decodeSettings;
+}
+
+void MemoryEditStore::setChannels(Cookie const& cookie, std::uint32_t videoChannels,
+                                  std::uint32_t audioChannels) {
+    std::lock_guard const scope(lock_);
+    StoredEdit& edit = change(cookie);
+    edit.videoCount = videoChannels;
+    edit.audioCount = audioChannels;
 }
 
 void MemoryEditStore::remove(Cookie const& cookie) {

@@ -10,6 +10,9 @@
 /// Threads  Any. Settings of a clip that is open stay as they were when it was opened.
 class MemoryEditStore final : public iEditStore {
 public:
+    MemoryEditStore();
+    ~MemoryEditStore() override;
+
     [[nodiscard]] Ox::Ptr<Edit> open(Cookie const& cookie) override;
     void close(Edit& edit) override;
 
@@ -17,6 +20,9 @@ public:
     void add(Cookie const& cookie);
     /// Adds a clip with decode settings.
     void add(Cookie const& cookie, configb const& decodeSettings);
+    /// Says how many channels a clip has, which is added if it isn't there. It refers to the clip's own
+    /// cookies of these channels.
+    void setChannels(Cookie const& cookie, std::uint32_t videoChannels, std::uint32_t audioChannels);
     void remove(Cookie const& cookie);
     /// How many clips are open.
     [[nodiscard]] int getOpenCount();
@@ -27,7 +33,9 @@ public:
 private:
     class StoredEdit;
 
+    [[nodiscard]] StoredEdit& change(Cookie const& cookie);
+
     std::mutex lock_;
-    std::map<Cookie, Ox::Ptr<Edit>> edits_;
+    std::map<Cookie, Ox::Ptr<StoredEdit>> edits_;
     int openCount_ = 0;
 };

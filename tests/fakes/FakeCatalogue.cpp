@@ -2,16 +2,24 @@
 
 #include <utility>
 
-namespace {
-
 class FakeEdit : public Edit {
 public:
     explicit FakeEdit(std::unique_ptr<configb> settings) : settings_(std::move(settings)) {}
     [[nodiscard]] configb const* getDecodeSettings() const override { return settings_.get(); }
+    void getChans(Vector<int>& channels, std::uint32_t kind, std::uint32_t) const override {
+        channels.assign(kind == Edit::videoChannels ? videoChannels : audioChannels, 0);
+    }
+    [[nodiscard]] CookieVec getReferences(std::uint32_t) const override { return references; }
+
+    std::size_t videoChannels = 0;
+    std::size_t audioChannels = 0;
+    CookieVec references;
 
 private:
     std::unique_ptr<configb> const settings_;
 };
+
+namespace {
 
 std::string textOf(Cookie const& cookie) {
     return cookie.asString().str();
@@ -60,11 +68,64 @@ bool FakeCatalogue::findFileForCookie(Cookie const& cookie, LightweightString<wc
     Cookie const asked =
         cookie.channel() == Cookie::wholeClip ? convertCookie(cookie, cookie.type(), 0) : cookie;
     auto const found = files_.find({textOf(asked), format.level});
+    finds_.push_back(textOf(cookie).substr(textOf(cookie).rfind('-') + 1) + " " +
+                     std::to_string(format.level));
     if (found == files_.end()) {
         return false;
     }
     filename = wide(found->second);
     return true;
+}
+
+void FakeCatalogue::setChannels(Cookie const& cookie, std::size_t videoChannels, std::size_t audioChannels) {
+    std::lock_guard const scope(lock_);
+    FakeEdit& edit = *edits_.at(textOf(cookie));
+    edit.videoChannels = videoChannels;
+    edit.audioChannels = audioChannels;
+}
+
+void FakeCatalogue::setReferences(Cookie const& cookie, std::vector<Cookie> const& references) {
+    std::lock_guard const scope(lock_);
+    for (Cookie const& reference : references) {
+        edits_.at(textOf(cookie))->references.add(reference);
+    }
+}
+
+void FakeCatalogue::addEntry(Cookie const& cookie, MediaFileInfo const& original,
+                             std::vector<MediaFileInfo> const& proxies) {
+    std::lock_guard const scope(lock_);
+    entries_[textOf(cookie)] = Ox::makePtr<FsysDirectoryEntry>(cookie, original, proxies);
+}
+
+Ox::Ptr<FsysDirectoryEntry> FakeCatalogue::findEntryForCookie(Cookie const& cookie) {
+    std::lock_guard const scope(lock_);
+    auto const found = entries_.find(textOf(cookie));
+    return found == entries_.end() ? Ox::Ptr<FsysDirectoryEntry>() : found->second;
+}
+
+std::vector<Ox::Ptr<FsysDirectoryEntry>> FakeCatalogue::getClipMediaFiles(Cookie const& clip) {
+    std::lock_guard const scope(lock_);
+    std::vector<Ox::Ptr<FsysDirectoryEntry>> files;
+    for (auto const& [text, entry] : entries_) {
+        if (entry->getCookie().uuid() == clip.uuid()) {
+            files.push_back(entry);
+        }
+    }
+    return files;
+}
+
+void FakeCatalogue::addFile(Cookie const& cookie, MediaFileInfo const& file, bool option) {
+    calls_->add("catalogue.addFile " + textOf(cookie) + " " + narrow(file.materialFilename.getPath()) + " " +
+                std::to_string(option));
+    addEntry(cookie, file);
+}
+
+OxResult FakeCatalogue::removeFile(Cookie const& cookie, eMediaTypes types, bool option) {
+    calls_->add("catalogue.removeFile " + textOf(cookie) + " " + std::to_string(types) + " " +
+                std::to_string(option));
+    std::lock_guard const scope(lock_);
+    entries_.erase(textOf(cookie));
+    return oxSuccess;
 }
 
 std::int32_t FakeCatalogue::getStartOffset(Cookie const& cookie) {

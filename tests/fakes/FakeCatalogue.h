@@ -11,6 +11,8 @@
 #include "toolkit/catalogue/SystemCache.h"
 #include "toolkit/edit/Edit.h"
 
+class FakeEdit;
+
 /// Catalogue, material facts and clips, all in memory and all recorded; in force while it lives.
 ///
 /// Threads  Any.
@@ -24,12 +26,29 @@ public:
     void setStartOffset(Cookie const& cookie, std::int32_t offset);
     /// Makes a clip that can be opened; `settings` null: it has no decode settings.
     void addEdit(Cookie const& cookie, std::unique_ptr<configb> settings);
+    /// What was looked up, as "V000 1": type, channel and level, in order.
+    [[nodiscard]] std::vector<std::string> finds() const {
+        std::lock_guard const scope(lock_);
+        return finds_;
+    }
     /// Clips that are open at this moment.
     [[nodiscard]] int openEdits() const;
 
     /// Run at the start of each look-up of a file; set before it is used.
     std::function<void()> onFind;
 
+    /// Says how many channels a clip has that can be opened.
+    void setChannels(Cookie const& cookie, std::size_t videoChannels, std::size_t audioChannels);
+    /// Says which media files a clip refers to.
+    void setReferences(Cookie const& cookie, std::vector<Cookie> const& references);
+    /// Files the whole entry of a cookie.
+    void addEntry(Cookie const& cookie, MediaFileInfo const& original,
+                  std::vector<MediaFileInfo> const& proxies = {});
+
+    Ox::Ptr<FsysDirectoryEntry> findEntryForCookie(Cookie const& cookie) override;
+    std::vector<Ox::Ptr<FsysDirectoryEntry>> getClipMediaFiles(Cookie const& clip) override;
+    void addFile(Cookie const& cookie, MediaFileInfo const& file, bool option) override;
+    OxResult removeFile(Cookie const& cookie, eMediaTypes types, bool option) override;
     bool findFileForCookie(Cookie const& cookie, LightweightString<wchar_t>& filename,
                            DecodeFormat const& format) override;
     std::int32_t getStartOffset(Cookie const& cookie) override;
@@ -41,7 +60,9 @@ private:
     mutable std::mutex lock_;
     std::map<std::pair<std::string, std::uint32_t>, std::string> files_;
     std::map<std::string, std::int32_t> offsets_;
-    std::map<std::string, Ox::Ptr<Edit>> edits_;
+    std::vector<std::string> finds_;
+    std::map<std::string, Ox::Ptr<FsysDirectoryEntry>> entries_;
+    std::map<std::string, Ox::Ptr<FakeEdit>> edits_;
     int openEdits_ = 0;
     SystemCache* const oldCatalogue_;
     MaterialInfo::iStore* const oldMaterial_;

@@ -42,6 +42,8 @@ public:
     configb optionValues;
     /// Set: `queueReadRequest` answers it and queues nothing.
     std::optional<unsigned> queueAnswer;
+    /// Changes a size; empty: it isn't touched.
+    std::function<void(unsigned value, unsigned& size)> recalculate;
     /// Each file's calls, as "name.purge" and so on.
     std::shared_ptr<CallLog> const calls;
 
@@ -85,6 +87,11 @@ public:
     void setDecodeOptionValues(configb const& values) override;
     unsigned int queueReadRequest(Ox::Ptr<VideoReadRequest>& request) override;
     unsigned int readVideo(Ox::Ptr<FrameBufferRep>& buffer, Ox::Ptr<VideoReadRequest>& request) override;
+    void recalculateSize(unsigned int value, unsigned int& size) override {
+        if (script_->recalculate) {
+            script_->recalculate(value, size);
+        }
+    }
     void purge() override;
     void limitUsage() override;
 

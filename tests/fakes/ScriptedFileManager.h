@@ -26,6 +26,10 @@ public:
     Gate existsGate{true};
     /// False makes `openFile` answer empty.
     bool opensFiles = true;
+    /// False makes every renaming fail.
+    bool renames = true;
+    /// Renamings that succeed before the others fail.
+    int renamesAtMost = 1000;
     /// Makes the mounted name of a name; as it comes: the same.
     std::function<std::string(std::string)> mount = [](std::string name) { return name; };
     /// Makes the display form of a name; as it comes: the same.
@@ -35,8 +39,11 @@ public:
                      void*) override {
         return copyFailed;
     }
-    bool renameFile(LightweightString<wchar_t> const&, LightweightString<wchar_t> const&, bool) override {
-        return false;
+    /// Recorded as "fm.rename from to replace".
+    bool renameFile(LightweightString<wchar_t> const& from, LightweightString<wchar_t> const& to,
+                    bool replaceExisting) override {
+        calls_->add("fm.rename " + narrow(from) + " " + narrow(to) + " " + std::to_string(replaceExisting));
+        return renames && renamesAtMost-- > 0;
     }
     bool deleteFile(LightweightString<wchar_t> const&) override { return false; }
     bool fileExists(LightweightString<wchar_t> const& path) override;

@@ -82,6 +82,18 @@ TEST_F(EntryPoints, ExitMayComeTwice) {
     EXPECT_EQ(keeper->openAtFlush, (Counts{0, 0}));
 }
 
+TEST_F(EntryPoints, InitMakesTheServiceThatOpensAhead) {
+    EXPECT_FALSE(threads.find("DQ<Ox::PreOpenRequest>"));
+    playfile_init();
+    EXPECT_TRUE(threads.find("DQ<Ox::PreOpenRequest>"));
+}
+
+TEST_F(EntryPoints, WithoutInitNoServiceIsMade) {
+    openFiles(1);
+    playfile_exit();
+    EXPECT_FALSE(threads.find("DQ<Ox::PreOpenRequest>"));
+}
+
 TEST_F(EntryPoints, InitMayComeTwiceAndOpensNothing) {
     playfile_init();
     playfile_init();

@@ -54,12 +54,16 @@ TEST(Settings, PollDelayIsReadOnce) {
     EXPECT_EQ(getReadPollDelay(), 50);
 }
 
-TEST(Settings, InitReadsWhatIsReadOnce) {
+TEST(Settings, InitReadsHowManyThreadsOpenAhead) {
     playfile_init();
     setConfigInt("numReaderThreads", 7);
-    setConfigInt("ReadPollDelay", 8);
     EXPECT_EQ(getNumThreads(), 4);
-    EXPECT_EQ(getReadPollDelay(), 50);
+}
+
+TEST(Settings, InitLeavesThePollDelayToTheFirstQueue) {
+    playfile_init();
+    setConfigInt("ReadPollDelay", 8);
+    EXPECT_EQ(getReadPollDelay(), 8);
 }
 
 TEST(Settings, HaveNoLowerBound) {

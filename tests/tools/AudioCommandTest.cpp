@@ -209,7 +209,8 @@ TEST_F(AudioCommand, RefusesAPlaceThatIsNone) {
 }
 
 TEST_F(AudioCommand, RefusesAFileWithoutSound) {
-    expectRefusal(audio(writeFile("mute_5f_64x36_25fps.synth", "# no sound\n"), {"--md5"}), 1, "has no sound");
+    expectRefusal(audio(writeFile("mute_5f_64x36_25fps.synth", "# no sound\n"), {"--md5"}), 1,
+                  "has no sound");
 }
 
 TEST_F(AudioCommand, WantsExactlyOneResult) {

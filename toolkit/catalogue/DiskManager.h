@@ -5,6 +5,7 @@
 
 #include "ole/Ox/OxString.h"
 #include "ole/os/Callback.h"
+#include "toolkit/catalogue/MaterialFilename.h"
 
 /// The kind of a notification, as a number that the dictionary hands out by name.
 using NotifyMsgType = std::uint32_t;
@@ -34,7 +35,7 @@ struct DiskNotification {
     double time = 0.0;
 };
 
-/// The drives of the system; here: those who listen to their changes.
+/// The media drives of the system, and those who listen to their changes.
 ///
 /// Threads  Any. Listeners are called on the notifying thread without a lock held.
 class DiskManager {
@@ -42,6 +43,13 @@ public:
     using Listener = iCallbackBase<int, DiskNotification>;
 
     [[nodiscard]] static DiskManager& instance();
+
+    /// Says where a drive's files lie; a closing separator is added if it is missing.
+    void setDriveRoot(DriveId const& drive, LightweightString<wchar_t> const& root);
+    void removeDrive(DriveId const& drive);
+    /// With its closing separator; empty for a drive that isn't there.
+    [[nodiscard]] LightweightString<wchar_t> getDriveRoot(DriveId const& drive) const;
+
     [[nodiscard]] Ox::Ptr<Ox::Guard> addListener(Ox::Ptr<Listener> const& listener);
     void notify(DiskNotification const& notification);
 };

@@ -1,7 +1,12 @@
 #pragma once
 
+#include <vector>
+
 #include "ole/Ox/OxString.h"
+#include "ole/os/Errors.h"
 #include "toolkit/catalogue/Cookie.h"
+#include "toolkit/catalogue/MediaFileInfo.h"
+#include "toolkit/catalogue/OpenType.h"
 #include "toolkit/image/DecodeFormat.h"
 
 /// The file catalogue: which media file a cookie means.
@@ -26,4 +31,29 @@ public:
     /// @return false if there is none
     [[nodiscard]] virtual bool findFileForCookie(Cookie const& cookie, LightweightString<wchar_t>& filename,
                                                  DecodeFormat const& format) = 0;
+
+    // What follows serves those who change the catalogue; one that nobody changes needs none of it.
+
+    /// All that is known of a cookie's files; empty if it isn't known. Channel 255 as above.
+    [[nodiscard]] virtual Ox::Ptr<FsysDirectoryEntry> findEntryForCookie(Cookie const&) { return {}; }
+    /// The entries of all cookies of a clip, in the order of their cookies.
+    [[nodiscard]] virtual std::vector<Ox::Ptr<FsysDirectoryEntry>> getClipMediaFiles(Cookie const&) {
+        return {};
+    }
+
+    /// Files a media file under a cookie: a proxy beside those that are there, an original in place of the
+    /// one before. @param option  always false
+    virtual void addFile(Cookie const& /*cookie*/, MediaFileInfo const& /*file*/, bool /*option*/ = false) {}
+    /// Forgets files of a cookie, and deletes what lies at their own place in the catalogue; what a link
+    /// points to is never touched.
+    ///
+    /// @param types   originals, proxies or both
+    /// @param option  always false
+    /// @return 1, or what kept a file from being deleted
+    virtual OxResult removeFile(Cookie const& /*cookie*/, eMediaTypes /*types*/, bool /*option*/ = false) {
+        return oxFailure;
+    }
 };
+
+/// Where the picture of a channel's course is kept, which an editor draws of its sound.
+[[nodiscard]] LightweightString<wchar_t> getWaveformDataFileFor(Cookie const& cookie);

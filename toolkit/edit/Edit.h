@@ -1,8 +1,14 @@
 #pragma once
 
+#include <cstdint>
+#include <vector>
+
 #include "ole/Ox/OxObject.h"
 #include "toolkit/catalogue/Cookie.h"
 #include "toolkit/services/ConfigB.h"
+
+template <class T>
+using Vector = std::vector<T>;
 
 /// A clip of the clip database.
 ///
@@ -12,6 +18,22 @@ public:
     /// The decode settings stored with the clip; null if it has none. The result lives as long as the
     /// edit is open.
     [[nodiscard]] virtual configb const* getDecodeSettings() const = 0;
+
+    /// What `getChans` lists.
+    enum eChannelKind : std::uint32_t { videoChannels = 1, audioChannels = 2 };
+    /// In `getChans`: every channel.
+    static constexpr std::uint32_t allChannels = 15;
+    /// In `getReferences`: the media files that the clip is made of.
+    static constexpr std::uint32_t mediaReferences = 2;
+
+    /// Fills `channels` with one number for each channel of a kind.
+    ///
+    /// @param mask  which of them: `allChannels`
+    virtual void getChans(Vector<int>& channels, std::uint32_t /*kind*/, std::uint32_t /*mask*/) const {
+        channels.clear();
+    }
+    /// The cookies that the clip refers to.
+    [[nodiscard]] virtual CookieVec getReferences(std::uint32_t /*kind*/) const { return {}; }
 };
 
 /// The clip database: opens the clips that `EditPtr` names.

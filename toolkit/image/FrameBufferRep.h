@@ -9,6 +9,8 @@
 #include "toolkit/image/Surface.h"
 #include "toolkit/image/VideoDecompressionInfo.h"
 
+class PlayFileMetadataRep;
+
 /// One or more frames that a read has brought.
 ///
 /// Its `DecodeFormat` says what was asked for; what was delivered stands in its surfaces.
@@ -25,8 +27,18 @@ public:
         failed = 4,
     };
 
+    /// Whether the surfaces of a run can be waited for.
+    enum eSurfaceEvents : std::uint32_t { withoutEvents = 0, withEvents = 1 };
+
+    /// Most frames that a run has: an index has 16 bits.
+    static constexpr std::uint32_t maxFrames = 65536;
+
     /// One frame, waiting for decompression.
     FrameBufferRep(Ox::Image::Surface const& surface, std::uint32_t frame);
+    /// A run of frames, the last one included, as the metadata describe the file's. The surfaces have no
+    /// pixels yet. Of a run that is longer than `maxFrames` only those are there.
+    FrameBufferRep(Ox::Ptr<PlayFileMetadataRep>& metadata, std::uint32_t startFrame, std::uint32_t lastFrame,
+                   eSurfaceEvents events);
 
     /// Copies the surface of a frame to `surface`; false, with `surface` untouched, if there is none.
     bool getSurface(std::uint16_t index, Ox::Image::Surface& surface) const;
