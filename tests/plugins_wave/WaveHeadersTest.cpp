@@ -75,8 +75,10 @@ TEST_F(WaveHeadersTest, GoesOnBehindAPadByte) {
 }
 
 TEST_F(WaveHeadersTest, GoesOnBehindAPadByteThatIsNotZero) {
-    open(wave::file(wave::chunk("note", "odd", 3) + "\xFF" + fmt() + data()));
-    expectSamples();
+    for (std::string const pad : {"\xFF", "x"}) {
+        open(wave::file(wave::chunk("note", "odd", 3) + pad + fmt() + data()));
+        expectSamples();
+    }
 }
 
 TEST_F(WaveHeadersTest, GoesOnWithoutAPadByteWhereAHeaderFollowsAtOnce) {
@@ -190,6 +192,13 @@ TEST_F(WaveHeadersTest, BelievesALengthInTheHeaderThatIsNoMark) {
     EXPECT_EQ(text("tag.title"), "Found");
 }
 
+TEST_F(WaveHeadersTest, ALengthOf0InTheHeaderOfLongDataIsLookedUp) {
+    open(wave::file("RF64", wave::sizes64(0, 200) + fmt() + wave::chunk("data", samples(), 0) + title(),
+                    wave::noLength));
+    expectSamples();
+    EXPECT_EQ(text("tag.title"), "Found");
+}
+
 TEST_F(WaveHeadersTest, HoldsALongLengthToTheFile) {
     for (std::uint64_t const length : {std::uint64_t{1000}, ~std::uint64_t{1}}) {
         open(wave::file("RF64",
@@ -234,9 +243,11 @@ TEST_F(WaveHeadersTest, ATableThatStatesMoreEntriesThanItHasIsReadToItsEnd) {
 }
 
 TEST_F(WaveHeadersTest, HasNoTableInAFileOfTheOldForm) {
-    open(wave::file("RIFF", wave::sizes64(0, 8) + fmt() + wave::chunk("data", samples(), wave::noLength),
-                    wave::noLength));
-    expectSamples();
+    for (std::uint32_t const length : {wave::noLength, 0U}) {
+        open(wave::file("RIFF", wave::sizes64(1000, 8) + fmt() + wave::chunk("data", samples(), length),
+                        wave::noLength));
+        expectSamples();
+    }
 }
 
 TEST_F(WaveHeadersTest, RefusesAFileThatBeginsOtherwise) {
