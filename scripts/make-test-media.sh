@@ -198,6 +198,7 @@ make_noise-s24-8ch.wav() { noise 8 pcm_s24le "$1" -rf64 always; }
 make_noise-s32-3ch.wav() { noise 3 pcm_s32le "$1"; }
 make_noise-f32-64ch.wav() { noise 64 pcm_f32le "$1" -t 0.3; }
 make_noise-f64-2ch.wav() { noise 2 pcm_f64le "$1"; }
+make_alaw-2ch.wav() { noise 2 pcm_alaw "$1"; }
 # Written into a pipe: no length is stated.
 make_noise-s16-2ch-streamed.wav() { noise 2 pcm_s16le - -f wav >"$1"; }
 make_tone-cover-art.mp3() {

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "bench/sound/LibrarySound.h"
+#include "bench/sound/PlainSound.h"
 #include "bench/sound/SndfileSide.h"
 #include "bench/sound/SoundReport.h"
 #include "bench/support/Silence.h"
@@ -37,23 +38,24 @@ struct Way {
 /// A pass reads every block once, and so does the library; what the library's way costs on top is bounded.
 constexpr double leastToOnePass = 0.8;
 constexpr double leastToHandles = 1.0;
+constexpr double leastToPlainLoop = 0.9;
 
 std::string pluginsBesideProgram() {
     std::filesystem::path const program = std::filesystem::read_symlink("/proc/self/exe");
     return program.parent_path().parent_path() / "lib/playfile/plugins";
 }
 
-std::vector<Way> rivalsFor(std::string const& path) {
-    std::vector<Way> ways;
-    if (canSndfileRead(path)) {
-        ways.push_back({"libsndfile, one pass", leastToOnePass, [path](Blocks const& blocks) {
-                            return runSndfile(path, eSndfileWay::onePass, blocks);
-                        }});
-        ways.push_back({"a handle a channel", leastToHandles, [path](Blocks const& blocks) {
-                            return runSndfile(path, eSndfileWay::handlePerChannel, blocks);
-                        }});
+std::vector<Way> rivalsFor(SoundResult const& file) {
+    std::string const path = file.path;
+    if (file.facts.isCompressed || !canSndfileRead(path)) {
+        return {{"plain loop", leastToPlainLoop,
+                 [path](Blocks const& blocks) { return runPlainSound(path, blocks); }}};
     }
-    return ways;
+    return {{"libsndfile, one pass", leastToOnePass,
+             [path](Blocks const& blocks) { return runSndfile(path, eSndfileWay::onePass, blocks); }},
+            {"a handle a channel", leastToHandles, [path](Blocks const& blocks) {
+                 return runSndfile(path, eSndfileWay::handlePerChannel, blocks);
+             }}};
 }
 
 Sample measure(std::function<Sample()> const& work) {
@@ -66,7 +68,7 @@ SoundCaseResult measureCase(Options const& options, SoundResult const& file, eSo
     Blocks const blocks =
         blocksOf(which, file.facts.sampleCount, options.blockSamples, options.count, options.seed);
     std::uint32_t const ahead = which == eSoundCase::inOrder ? options.blocksAhead : 1;
-    std::vector<Way> const ways = options.isAlone ? std::vector<Way>() : rivalsFor(file.path);
+    std::vector<Way> const ways = options.isAlone ? std::vector<Way>() : rivalsFor(file);
     for (Way const& way : ways) {
         result.rivals.push_back({way.name, {}, way.leastRatio});
     }

@@ -63,7 +63,9 @@ std::vector<std::string> waveFiles() {
         std::vector<std::string> const more = filesBelow(folder);
         files.insert(files.end(), more.begin(), more.end());
     }
-    std::erase_if(files, [](std::string const& file) { return !file.ends_with(".wav"); });
+    std::erase_if(files, [](std::string const& file) {
+        return !file.ends_with(".wav") || fs::path(file).filename().string().starts_with("alaw");
+    });
     return files;
 }
 

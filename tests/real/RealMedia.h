@@ -13,7 +13,8 @@ namespace test {
 /// Files of the real media's folder `damaged`; empty without real media.
 [[nodiscard]] std::vector<std::string> damagedFiles();
 
-/// The WAVE files that our script makes and, where there are real media, those of theirs.
+/// The WAVE files of uncompressed sound that our script makes and, where there are real media, those of
+/// theirs.
 [[nodiscard]] std::vector<std::string> waveFiles();
 
 /// A few clips, small ones of as many codecs as there are, to be read at random.

@@ -119,6 +119,19 @@ TEST_P(WaveSound, TextsAreThoseThatFfprobeShows) {
     }
 }
 
+TEST(CompressedWave, IsReadByAnother) {
+    std::string const path = std::string(PLAYFILE_TEST_MEDIA_DIR) + "/alaw-2ch.wav";
+    OpenSound const sound(path);
+    ASSERT_TRUE(sound.isOpen());
+    EXPECT_EQ(sound.description(), "pcm_alaw in wav");
+    std::string const decoded = decodedSamples(path, "s16le");
+    std::string const left = sound.read(0, 0, 1000);
+    ASSERT_EQ(left.size(), 2000U);
+    for (std::size_t sample = 0; sample < 1000; ++sample) {
+        ASSERT_EQ(left.substr(sample * 2, 2), decoded.substr(sample * 4, 2)) << sample;
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Files, WaveSound, testing::ValuesIn(waveFiles()),
                          [](testing::TestParamInfo<std::string> const& file) {
                              return std::to_string(file.index) + "_" + testNameOf(file.param);
