@@ -1,7 +1,10 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include <map>
+
 #include "tests/tools/ToolTest.h"
+#include "tools/playfile/Md5.h"
 
 namespace tooltest {
 namespace {
@@ -35,8 +38,50 @@ std::string testName(testing::TestParamInfo<std::string> const& info) {
     return name;
 }
 
-class RealClip : public ToolTest, public testing::WithParamInterface<std::string> {};
-class RealSound : public ToolTest, public testing::WithParamInterface<std::string> {};
+class RealFile : public ToolTest, public testing::WithParamInterface<std::string> {
+protected:
+    /// Holds each line of `playfile audio --md5` against the ffmpeg program's decode of that channel.
+    void expectSoundOfALinearDecode(Ended const& ended) const {
+        EXPECT_EQ(ended.exitCode, 0) << ended.err;
+        std::map<std::string, std::vector<std::string>> linesOfStream;
+        for (std::string const& line : linesOf(ended.out)) {
+            linesOfStream[fieldsOf(line).at(1)].push_back(line);
+        }
+        EXPECT_FALSE(linesOfStream.empty());
+        for (auto const& [stream, lines] : linesOfStream) {
+            expectStream(stream, lines);
+        }
+    }
+
+private:
+    void expectStream(std::string const& stream, std::vector<std::string> const& lines) const {
+        std::string const form = fieldsOf(lines.front()).at(2);
+        std::string const samples = decode(stream, form + (form == "u8" ? "" : "le"));
+        std::size_t const bytes = form == "u8" ? 1 : std::stoul(form.substr(1)) / 8;
+        for (std::size_t channel = 0; channel < lines.size(); ++channel) {
+            std::string alone;
+            for (std::size_t at = channel * bytes; at < samples.size(); at += lines.size() * bytes) {
+                alone.append(samples, at, bytes);
+            }
+            std::vector<std::string> const fields = fieldsOf(lines[channel]);
+            EXPECT_EQ(fields.at(4), std::to_string(alone.size() / bytes)) << lines[channel];
+            EXPECT_EQ(fields.at(5), cli::asHex(cli::Md5::of(alone.data(), alone.size()))) << lines[channel];
+        }
+    }
+    [[nodiscard]] std::string decode(std::string const& stream, std::string const& form) const {
+        Ended const ended = runOther({"ffmpeg", "-v", "quiet", "-nostdin", "-i", GetParam(), "-map",
+                                      "0:a:" + stream, "-c:a", "pcm_" + form, "-f", form, "-"});
+        return ended.out;
+    }
+};
+class RealClip : public RealFile {};
+class RealSound : public RealFile {};
+
+/// False for codecs whose output after a jump is near the linear decode's, but not the same.
+bool isRepeatable(std::string const& path) {
+    return path.find("opus") == std::string::npos;
+}
+
 class DamagedFile : public ToolTest, public testing::WithParamInterface<std::string> {};
 
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(RealClip);
@@ -66,6 +111,39 @@ TEST_P(RealSound, IsDescribedAndHasNoFrames) {
     Ended const frames = run({"frames", GetParam(), "--md5"});
     EXPECT_EQ(frames.exitCode, 1);
     EXPECT_THAT(frames.err, HasSubstr("has no video stream"));
+}
+
+TEST_P(RealSound, EveryChannelIsThatOfALinearDecode) {
+    expectSoundOfALinearDecode(run({"audio", GetParam(), "--md5"}));
+}
+
+TEST_P(RealSound, BlocksAtRandomAreThoseOfALinearDecodeOrNearIt) {
+    Ended const forward = run({"audio", GetParam(), "--md5"});
+    Ended const random = run({"audio", GetParam(), "--md5", "--order", "random:1", "--threads", "4"});
+    EXPECT_EQ(random.exitCode, 0) << random.err;
+    if (isRepeatable(GetParam())) {
+        EXPECT_EQ(random.out, forward.out);
+    } else {
+        EXPECT_EQ(linesOf(random.out).size(), linesOf(forward.out).size());
+    }
+}
+
+TEST_P(RealSound, IsShown) {
+    Ended const ended = run({"show", GetParam(), "--out", path("out")});
+    EXPECT_EQ(ended.exitCode, 0) << ended.err;
+    EXPECT_EQ(runOther({"ffprobe", "-v", "error", path("out/waveform_01.png")}).err, "");
+}
+
+TEST_P(RealClip, ItsSoundIsThatOfALinearDecode) {
+    Ended const probed = runOther({"ffprobe", "-v", "error", "-select_streams", "a", "-show_entries",
+                                   "stream=index", "-of", "csv=p=0", GetParam()});
+    Ended const ended = run({"audio", GetParam(), "--md5"});
+    if (linesOf(probed.out).empty()) {
+        EXPECT_EQ(ended.exitCode, 1);
+        EXPECT_THAT(ended.err, HasSubstr("has no sound"));
+    } else {
+        expectSoundOfALinearDecode(ended);
+    }
 }
 
 /// How much of it can be read is the reader's matter; what is said of it must be plain.
