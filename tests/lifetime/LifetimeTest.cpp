@@ -97,4 +97,41 @@ TEST(Lifetime, AnotherProgramMayBeStartedMeanwhile) {
     EXPECT_EQ(run("fork_and_exec"), "child: 0\nframes read: 50\n");
 }
 
+TEST(SoundLifetime, ExitReadsTheRequestsThatWait) {
+    EXPECT_EQ(run("sound_ends", {"main"}), "shutdown\nsounds read: 20\n");
+}
+
+TEST(SoundLifetime, ExitFromAThreadReadsTheRequestsThatWait) {
+    EXPECT_EQ(run("sound_ends", {"thread"}), "shutdown\nsounds read: 20\n");
+}
+
+TEST(SoundLifetime, ExitFromInsideAReadEndsTheProcess) {
+    EXPECT_EQ(run("sound_ends", {"worker"}), "sounds read: 0\n");
+}
+
+TEST(SoundLifetime, ExitDropsTheRequestsThatNobodyHolds) {
+    EXPECT_EQ(run("sound_ends", {"dropped"}), "shutdown\nsounds read: 1\n");
+}
+
+TEST(SoundLifetime, StaticObjectsMayHoldARequestThatIsUnderWayPastMain) {
+    EXPECT_EQ(run("sound_ends", {"held"}), "shutdown\nrequest: status 2\nsounds read: 1\n");
+}
+
+TEST(SoundLifetime, WorkerMayBeTheLastToHoldItsFile) {
+    EXPECT_EQ(run("sound_ends", {"release"}), "file gone\nstatus 2\nsounds read: 2\n");
+}
+
+TEST(SoundLifetime, WorkerMayBeTheLastToHoldItsFileWhenThePoolIsShut) {
+    EXPECT_EQ(run("sound_ends", {"release-shut"}), "file gone\nstatus 2\nsounds read: 2\n");
+}
+
+TEST(SoundLifetime, WorkerMayBeTheLastToHoldItsFileAtExit) {
+    EXPECT_EQ(run("sound_ends", {"release-exit"}), "shutdown\nfile gone\nsounds read: 1\n");
+}
+
+TEST(SoundLifetime, ShutdownFailsRequestsOfOldFilesAndServesNewOnes) {
+    EXPECT_EQ(run("sound_ends", {"after"}),
+              "old file: status 3\nnew file: status 2\nfree queues: 0\nsounds read: 2\n");
+}
+
 }  // namespace
