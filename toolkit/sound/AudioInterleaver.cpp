@@ -56,9 +56,11 @@ void gatherChannel(Byte* to, Byte const* from, std::size_t stride, std::size_t s
     }
 }
 
-/// Splits pairs of short samples, as many at a time as compilers make a few vectors of.
+/// Splits pairs of short samples, as many at a time as compilers make a few vectors of, once they know
+/// that no buffer lies in another.
 template <std::size_t Bytes>
-void splitPairs(Byte* left, Byte* right, Byte const* from, std::size_t samples) {
+void splitPairs(Byte* __restrict left, Byte* __restrict right, Byte const* __restrict from,
+                std::size_t samples) {
     constexpr std::size_t atOnce = 32 / Bytes;
     for (; samples >= atOnce; samples -= atOnce) {
         for (std::size_t i = 0; i < atOnce; ++i) {
