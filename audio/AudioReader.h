@@ -79,8 +79,10 @@ public:
     OxResult readCompressedAudioInterleaved(unsigned long frameIndex, Aud::StreamBufferList& list,
                                             Ptr<AudioReadRequest>& request);
 
-    /// Reads and decodes one frame, and blanks what is to be skipped of it. `decoded` is raised by the
-    /// samples that came out. 1 if all is well, what the read said, 0 if it couldn't be decoded.
+    /// Reads and decodes one frame, behind what the output holds. The first form blanks what is to be
+    /// skipped, of the second the decoder does. `decoded` is what the decoder said.
+    ///
+    /// @return 1 if all is well; what the read said; 0 if the frame couldn't be decoded
     OxResult readAndDecode(unsigned int stream, unsigned long frame, Aud::StreamBufferList& list,
                            unsigned int& decoded);
     OxResult readAndDecodeInterleaved(unsigned int stream, unsigned long frame, Ptr<ByteBufferImpl>& output,
