@@ -12,7 +12,7 @@ using cli::timecodeFrames;
 constexpr Ox::FrameRate pal{25, 1};
 constexpr Ox::FrameRate ntsc{30000, 1001};
 
-std::uint64_t place(std::string const& text, cli::TimeScale const& scale = {pal, 0}) {
+std::uint64_t place(std::string const& text, cli::TimeScale const& scale = {pal, 0, 0}) {
     return SamplePosition::parse(text, "--from").asPlace(48000.0, scale);
 }
 
@@ -32,19 +32,27 @@ TEST(SamplePosition, CountsTimeCodesInFrames) {
 }
 
 TEST(SamplePosition, CountsAPlaceFromTheFilesStart) {
-    EXPECT_EQ(place("01:00:00:01", {pal, 90000}), 1920U);
+    EXPECT_EQ(place("01:00:00:01", {pal, 90000, 0}), 1920U);
 }
 
 TEST(SamplePosition, CountsALengthFromZero) {
-    EXPECT_EQ(SamplePosition::parse("00:00:01:00", "--count").asLength(48000.0, {pal, 90000}), 48000U);
+    EXPECT_EQ(SamplePosition::parse("00:00:01:00", "--count").asLength(48000.0, {pal, 90000, 0}), 48000U);
+}
+
+TEST(SamplePosition, CountsAPlaceFromTheSampleAtWhichTheFileStarts) {
+    EXPECT_EQ(place("00:00:01:00", {pal, 0, 40000}), 8000U);
+}
+
+TEST(SamplePosition, RefusesATimeCodeBeforeTheFilesFirstSample) {
+    EXPECT_THROW(static_cast<void>(place("00:00:00:24", {pal, 0, 48000})), cli::CommandError);
 }
 
 TEST(SamplePosition, RefusesATimeCodeBeforeTheFilesStart) {
-    EXPECT_THROW(static_cast<void>(place("00:59:59:24", {pal, 90000})), cli::CommandError);
+    EXPECT_THROW(static_cast<void>(place("00:59:59:24", {pal, 90000, 0})), cli::CommandError);
 }
 
 TEST(SamplePosition, RefusesATimeCodeWithoutARate) {
-    EXPECT_THROW(static_cast<void>(place("00:00:00:01", {{0, 1}, 0})), cli::CommandError);
+    EXPECT_THROW(static_cast<void>(place("00:00:00:01", {{0, 1}, 0, 0})), cli::CommandError);
 }
 
 TEST(SamplePosition, RefusesWhatIsNoPlace) {

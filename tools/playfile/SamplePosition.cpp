@@ -101,15 +101,14 @@ SamplePosition SamplePosition::parse(std::string const& text, std::string const&
 }
 
 std::uint64_t SamplePosition::asPlace(double sampleRate, TimeScale const& scale) const {
-    return convert(sampleRate, scale, scale.startFrame);
+    return convert(sampleRate, scale);
 }
 
 std::uint64_t SamplePosition::asLength(double sampleRate, TimeScale const& scale) const {
-    return convert(sampleRate, scale, 0);
+    return convert(sampleRate, {scale.frameRate, 0, 0});
 }
 
-std::uint64_t SamplePosition::convert(double sampleRate, TimeScale const& scale,
-                                      std::uint64_t startFrame) const {
+std::uint64_t SamplePosition::convert(double sampleRate, TimeScale const& scale) const {
     if (kind_ == eKind::samples) {
         return samples_;
     }
@@ -121,12 +120,16 @@ std::uint64_t SamplePosition::convert(double sampleRate, TimeScale const& scale,
         throw CommandError("the file states no frame rate for the time code " + inQuotes(text_) +
                            "; name one with --rate");
     }
+    auto const samplesOf = [&](std::uint64_t frames) {
+        return static_cast<std::uint64_t>(
+            std::llround(static_cast<double>(frames) * sampleRate / framesPerSecond));
+    };
     std::uint64_t const frame = timecodeFrames(text_, scale.frameRate);
-    if (frame < startFrame) {
+    std::uint64_t const sample = frame < scale.startFrame ? 0 : samplesOf(frame - scale.startFrame);
+    if (frame < scale.startFrame || sample < scale.startSample) {
         throw CommandError("the time code " + inQuotes(text_) + " lies before the file's start");
     }
-    return static_cast<std::uint64_t>(
-        std::llround(static_cast<double>(frame - startFrame) * sampleRate / framesPerSecond));
+    return sample - scale.startSample;
 }
 
 Ox::FrameRate parseFrameRate(std::string const& text) {

@@ -11,8 +11,10 @@ namespace cli {
 struct TimeScale {
     /// Frames a second of time codes; 0/0 if neither the file nor the user says.
     Ox::FrameRate frameRate;
-    /// The file's first frame, as frames from midnight.
+    /// The file's first frame, as frames from midnight; of a file that states its start so.
     std::uint64_t startFrame = 0;
+    /// Its first sample, as samples from midnight; of a file that states its start so.
+    std::uint64_t startSample = 0;
 };
 
 /// A place in a file, or a length, as a user writes it: samples ("48000"), seconds ("1.5s") or a time code
@@ -35,8 +37,7 @@ private:
     enum class eKind { samples, seconds, timecode };
 
     SamplePosition(eKind kind, std::string text) : kind_(kind), text_(std::move(text)) {}
-    [[nodiscard]] std::uint64_t convert(double sampleRate, TimeScale const& scale,
-                                        std::uint64_t startFrame) const;
+    [[nodiscard]] std::uint64_t convert(double sampleRate, TimeScale const& scale) const;
 
     eKind kind_;
     std::string text_;

@@ -6,6 +6,8 @@
 namespace cli {
 namespace {
 
+constexpr char const* timeReferenceKey = "tag.time_reference";
+
 /// The stream that holds a channel of the file. @param channel  from 1
 std::uint32_t streamOf(PlayFileMetadataRep const& metadata, std::uint32_t channel) {
     std::uint32_t stream = 0;
@@ -36,6 +38,14 @@ void select(ChannelRange& range, std::uint64_t fileSamples, TimeScale const& sca
     }
 }
 
+/// Samples from midnight to a broadcast WAVE file's first one; 0 if it doesn't say.
+std::uint64_t timeReferenceOf(PlayFileMetadataRep const& metadata) {
+    LightweightString<char> text;
+    std::uint64_t samples = 0;
+    bool const isStated = metadata.extraConfig.in(timeReferenceKey, text) == 0;
+    return isStated && parseNumber(text.str(), samples) ? samples : 0;
+}
+
 }  // namespace
 
 std::vector<ChannelRange> selectChannels(Session& session, Clip const& clip, FileReadInstance const& file,
@@ -63,6 +73,8 @@ TimeScale findTimeScale(Clip const& clip, FileReadInstance const& file, std::opt
     LightweightString<char> const& start = metadata.editLabel.startTimecode();
     if (!start.empty() && Ox::getFramesPerSecond(scale.frameRate) > 0.0) {
         scale.startFrame = timecodeFrames(start.str(), scale.frameRate);
+    } else {
+        scale.startSample = timeReferenceOf(*file.metadata);
     }
     return scale;
 }
