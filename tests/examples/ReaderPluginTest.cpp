@@ -1,26 +1,15 @@
 /// The example of a reader plug-in, loaded as any other.
 #include <gtest/gtest.h>
 
-#include <future>
-
 #include "files/PlayFileCache.h"
 #include "host/memory/MemoryCatalogue.h"
 #include "playfile/playfile.h"
 #include "tests/examples/Ppm.h"
+#include "tests/fakes/RecordingIssuer.h"
 #include "toolkit/plugins/Plugin.h"
 #include "video/VideoReadRequest.h"
 
 namespace {
-
-class End : public ReadRequestIssuer {
-public:
-    ~End() override { withdraw(); }
-    void requestCompleted(Ox::Ptr<iObject>&, RequestStatus status) override { status_.set_value(status); }
-    RequestStatus wait() { return status_.get_future().get(); }
-
-private:
-    std::promise<RequestStatus> status_;
-};
 
 class ReaderPlugin : public ::testing::Test {
 protected:
@@ -34,11 +23,12 @@ protected:
 
     /// The first byte of a frame's pixels, -1 if there is no such frame.
     [[nodiscard]] int firstByteOf(int frame) const {
-        End end;
+        RecordingIssuer issuer;
         Ox::Ptr<VideoReadRequest> request;
         OxResult const result = PlayFileCache::Shared()->videoReadRequest(
-            request, clip_, frame, false, resultDecompressed, DecodeFormat::getDefault(), end.getProxy());
-        if (result != oxSuccess || end.wait() != requestComplete) {
+            request, clip_, frame, false, resultDecompressed, DecodeFormat::getDefault(), issuer.getProxy());
+        bool const hasEnded = result == oxSuccess && issuer.waitForCalls(1);
+        if (!hasEnded || issuer.only().status != requestComplete) {
             return -1;
         }
         Ox::Image::Surface picture;
@@ -78,44 +68,31 @@ TEST_F(ReaderPlugin, LeavesOutWhatFollowsAPictureOfAnotherSize) {
     EXPECT_EQ(frameCount(), 1U);
 }
 
-TEST_F(ReaderPlugin, RefusesText) {
-    openFile("These are words and no pictures.");
-    EXPECT_EQ(frameCount(), 0U);
-}
-
-TEST_F(ReaderPlugin, RefusesAnEmptyFile) {
-    openFile("");
-    EXPECT_EQ(frameCount(), 0U);
-}
-
-TEST_F(ReaderPlugin, RefusesAHeaderWithoutAnEnd) {
-    openFile("P6 5 3 255");
-    EXPECT_EQ(frameCount(), 0U);
-}
-
-TEST_F(ReaderPlugin, RefusesACommentWithoutAnEnd) {
-    openFile("P6 # " + std::string(10000, 'x'));
-    EXPECT_EQ(frameCount(), 0U);
-}
-
-TEST_F(ReaderPlugin, RefusesASizeOfZero) {
-    openFile("P6 0 3 255\n");
-    EXPECT_EQ(frameCount(), 0U);
-}
-
-TEST_F(ReaderPlugin, RefusesNumbersThatNoSizeCanBe) {
-    openFile("P6 99999999999999999999 99999999999999999999 255\n");
-    EXPECT_EQ(frameCount(), 0U);
-}
-
-TEST_F(ReaderPlugin, RefusesSixteenBits) {
-    openFile("P6 1 1 65535\n" + std::string(6, 'x'));
-    EXPECT_EQ(frameCount(), 0U);
-}
-
 TEST_F(ReaderPlugin, LeavesFilesOfOtherNamesAlone) {
     openFile(PpmFolder::picture(5, 3, 10), "clip.dat");
     EXPECT_EQ(frameCount(), 0U);
 }
+
+struct Refused {
+    char const* name;
+    std::string content;
+};
+
+class RefusedFile : public ReaderPlugin, public ::testing::WithParamInterface<Refused> {};
+
+TEST_P(RefusedFile, HasNoFrame) {
+    openFile(GetParam().content);
+    EXPECT_EQ(frameCount(), 0U);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    ReaderPlugin, RefusedFile,
+    ::testing::Values(Refused{"Text", "These are words and no pictures."}, Refused{"EmptyFile", ""},
+                      Refused{"HeaderWithoutAnEnd", "P6 5 3 255"},
+                      Refused{"CommentWithoutAnEnd", "P6 # " + std::string(10000, 'x')},
+                      Refused{"SizeOfZero", "P6 0 3 255\n"},
+                      Refused{"NumbersThatNoSizeCanBe", "P6 99999999999999999999 99999999999999999999 255\n"},
+                      Refused{"SixteenBits", "P6 1 1 65535\n" + std::string(6, 'x')}),
+    [](::testing::TestParamInfo<Refused> const& file) { return std::string(file.param.name); });
 
 }  // namespace

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "tests/fakes/ForwardingOS.h"
+
 namespace {
 
 /// Forwards to a thread and notes what is asked of it.
@@ -25,22 +27,6 @@ public:
 private:
     Ox::Ptr<iThread> const real_;
     std::shared_ptr<MadeThread> const notes_;
-};
-
-/// The system in force with another thread service.
-class WatchedOS final : public iOS {
-public:
-    WatchedOS(iOS& real, iThreadService& threads) : real_(real), threads_(threads) {}
-    iMemoryService& getMemory() override { return real_.getMemory(); }
-    iThreadService& getThreads() override { return threads_; }
-    iFileManager& getFileManager() override { return real_.getFileManager(); }
-    iErrorService& getErrors() override { return real_.getErrors(); }
-    iDebugService& getDebug() override { return real_.getDebug(); }
-    unsigned getProcessorCount() override { return real_.getProcessorCount(); }
-
-private:
-    iOS& real_;
-    iThreadService& threads_;
 };
 
 }  // namespace
@@ -67,9 +53,9 @@ int WatchedThreads::runAndNote(void* trampoline) {
 
 WatchedThreads& WatchedThreads::instance() {
     static WatchedThreads* const threads = [] {
-        auto* const made = new WatchedThreads(OS()->getThreads());
-        static WatchedOS* const os = new WatchedOS(*OS(), *made);
-        installOS(os);
+        auto* const made = new WatchedThreads;
+        static auto* const os = new test::ForwardingOS;
+        os->threads = made;
         return made;
     }();
     return *threads;
@@ -79,7 +65,7 @@ ThreadEventPtr WatchedThreads::makeEvent(bool isManualReset, bool isInitiallySet
     if (isManualReset) {
         manualEventMade.pass();
     }
-    return real_.makeEvent(isManualReset, isInitiallySet, option);
+    return real().makeEvent(isManualReset, isInitiallySet, option);
 }
 
 Ox::Ptr<iThread> WatchedThreads::makeThread(ThreadDescription const& description) {
@@ -92,8 +78,8 @@ Ox::Ptr<iThread> WatchedThreads::makeThread(ThreadDescription const& description
     ThreadDescription watched = description;
     watched.entry = &runAndNote;
     watched.argument = new Trampoline{*this, description.entry, description.argument, notes};
-    Ox::Ptr<iThread> const real = real_.makeThread(watched);
-    return real ? Ox::makePtr<WatchedThread>(real, notes) : real;
+    Ox::Ptr<iThread> const thread = real().makeThread(watched);
+    return thread ? Ox::makePtr<WatchedThread>(thread, notes) : thread;
 }
 
 int WatchedThreads::waitForAny(std::vector<ThreadEventPtr> const& events, std::uint32_t waitMs) {
@@ -105,7 +91,7 @@ int WatchedThreads::waitForAny(std::vector<ThreadEventPtr> const& events, std::u
         waits.isAsleepWithoutLimit = waitMs == iThreadEvent::noTimeLimit;
         changed_.notify_all();
     }
-    int const index = real_.waitForAny(events, waitMs);
+    int const index = real().waitForAny(events, waitMs);
     std::lock_guard const scope(lock_);
     waits_[std::this_thread::get_id()].isAsleepWithoutLimit = false;
     return index;

@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "ole/os/OS.h"
+#include "tests/fakes/ForwardingThreadService.h"
 #include "tests/fakes/Gate.h"
 
 /// What a thread was made from, and what was asked of it afterwards.
@@ -26,16 +26,14 @@ struct MadeThread {
 /// It stays in force until the process ends, as threads go through it to their end.
 ///
 /// Threads  Any.
-class WatchedThreads final : public iThreadService {
+class WatchedThreads final : public test::ForwardingThreadService {
 public:
     /// Puts it in force, at the first call.
     [[nodiscard]] static WatchedThreads& instance();
 
     [[nodiscard]] ThreadEventPtr makeEvent(bool isManualReset, bool isInitiallySet, int option) override;
-    [[nodiscard]] Ox::Ptr<iAccessLock> makeLock(char const* name) override { return real_.makeLock(name); }
     [[nodiscard]] Ox::Ptr<iThread> makeThread(ThreadDescription const& description) override;
     int waitForAny(std::vector<ThreadEventPtr> const& events, std::uint32_t waitMs) override;
-    void sleep(std::uint32_t milliseconds) override { real_.sleep(milliseconds); }
 
     /// Threads made so far, in order.
     [[nodiscard]] std::vector<std::shared_ptr<MadeThread>> threads() const;
@@ -67,10 +65,9 @@ private:
         }
     };
 
-    explicit WatchedThreads(iThreadService& real) : real_(real) {}
+    WatchedThreads() = default;
     static int runAndNote(void* trampoline);
 
-    iThreadService& real_;
     mutable std::mutex lock_;
     std::condition_variable changed_;
     std::vector<std::shared_ptr<MadeThread>> threads_;

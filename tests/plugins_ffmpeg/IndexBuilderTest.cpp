@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <stdexcept>
 
+#include "tests/plugins_ffmpeg/BuiltIndexOf.h"
 #include "tests/plugins_ffmpeg/Media.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -16,18 +16,6 @@ using namespace playfile_ffmpeg;
 
 class IndexBuilderTest : public ::testing::Test {
 protected:
-    [[nodiscard]] static BuiltIndex build(std::string const& path) {
-        std::string error;
-        ByteFile file;
-        OpenContainer container;
-        if (!file.open(path, error) || !container.open(path, error)) {
-            throw std::runtime_error(path + " " + error);
-        }
-        return buildIndex(container, file);
-    }
-    [[nodiscard]] static bool isScanned(std::string const& name) { return build(medium(name)).isScanned; }
-    [[nodiscard]] static bool liesInFile(std::string const& name) { return build(medium(name)).liesInFile; }
-
     /// A copy of a clip in which the byte `offset` bytes behind the word is one more.
     [[nodiscard]] std::string damaged(std::string const& name, std::string const& word,
                                       std::size_t offset) const {
@@ -41,68 +29,55 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(IndexBuilderTest, ComesFromTheTablesOfAMovie) {
-    EXPECT_FALSE(isScanned("h264-bframes-aac.mp4"));
+/// How a clip's packets come to be known.
+struct Source {
+    char const* name;
+    bool isScanned;   ///< By a look at all packets, as the container has no index that tells all.
+    bool liesInFile;  ///< The bytes in the file are those of the packets.
+};
+
+void PrintTo(Source const& clip, std::ostream* out) {
+    *out << clip.name;
 }
 
-TEST_F(IndexBuilderTest, ComesFromTheTablesOfAMovieWithAnEditList) {
-    EXPECT_FALSE(isScanned("h264-edit-list.mp4"));
+class IndexOfClip : public ::testing::TestWithParam<Source> {};
+
+TEST_P(IndexOfClip, ComesFromTheContainerOrFromAScan) {
+    EXPECT_EQ(builtIndexOf(medium(GetParam().name)).isScanned, GetParam().isScanned);
 }
 
-TEST_F(IndexBuilderTest, ComesFromAScanOfAFragmentedMovie) {
-    EXPECT_TRUE(isScanned("h264-fragmented.mp4"));
+TEST_P(IndexOfClip, KnowsWhetherThePacketsLieInTheFile) {
+    EXPECT_EQ(builtIndexOf(medium(GetParam().name)).liesInFile, GetParam().liesInFile);
 }
 
-TEST_F(IndexBuilderTest, ComesFromAScanOfAMovieThatMayHideFrames) {
-    EXPECT_TRUE(isScanned("vp9-hidden-frames.mp4"));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Clips, IndexOfClip,
+    ::testing::Values(Source{"h264-bframes-aac.mp4", false, true}, Source{"h264-edit-list.mp4", false, true},
+                      Source{"prores-422-pcm.mov", false, true}, Source{"h264-fragmented.mp4", true, true},
+                      Source{"vp9-hidden-frames.mp4", true, true}, Source{"mjpeg.avi", false, true},
+                      Source{"mpeg4-bframes.avi", true, true}, Source{"mpeg4-packed.avi", true, false},
+                      Source{"dnxhr-sq.mxf", false, false}, Source{"h264-matroska.mkv", true, false},
+                      Source{"h264-mpegts.ts", true, false}, Source{"h264-raw.h264", true, true}),
+    [](::testing::TestParamInfo<Source> const& clip) { return testNameOf(clip.param.name); });
 
 TEST_F(IndexBuilderTest, ComesFromAScanOfAMovieWithDamagedTables) {
     std::size_t const lowestByteOfCount = 11;
-    EXPECT_TRUE(build(damaged("h264-bframes-aac.mp4", "stsz", lowestByteOfCount)).isScanned);
-}
-
-TEST_F(IndexBuilderTest, ComesFromTheIndexOfAnAvi) {
-    EXPECT_FALSE(isScanned("mjpeg.avi"));
+    EXPECT_TRUE(builtIndexOf(damaged("h264-bframes-aac.mp4", "stsz", lowestByteOfCount)).isScanned);
 }
 
 TEST_F(IndexBuilderTest, ComesFromAScanOfAnAviWhoseIndexIsWrong) {
-    EXPECT_TRUE(build(damaged("mjpeg.avi", "movi00dc", 0)).isScanned);
-}
-
-TEST_F(IndexBuilderTest, ComesFromAScanOfAnAviWhoseFramesAreReordered) {
-    EXPECT_TRUE(isScanned("mpeg4-bframes.avi"));
-}
-
-TEST_F(IndexBuilderTest, ComesFromTheLengthOfAnIntraCodedMxf) {
-    EXPECT_FALSE(isScanned("dnxhr-sq.mxf"));
-}
-
-TEST_F(IndexBuilderTest, ComesFromAScanOfATransportStream) {
-    EXPECT_TRUE(isScanned("h264-mpegts.ts"));
-}
-
-TEST_F(IndexBuilderTest, KnowsWhereTheBytesOfAMovieLie) {
-    EXPECT_TRUE(liesInFile("prores-422-pcm.mov"));
-}
-
-TEST_F(IndexBuilderTest, LeavesPacketsToLibavformatThatLieInPieces) {
-    EXPECT_FALSE(liesInFile("h264-mpegts.ts"));
-}
-
-TEST_F(IndexBuilderTest, LeavesPacketsToLibavformatThatAreTakenApart) {
-    EXPECT_FALSE(liesInFile("mpeg4-packed.avi"));
+    EXPECT_TRUE(builtIndexOf(damaged("mjpeg.avi", "movi00dc", 0)).isScanned);
 }
 
 TEST_F(IndexBuilderTest, DoesNotTakeABidirectionalPictureForAKey) {
-    BuiltIndex const built = build(medium("mpeg4-packed.avi"));
+    BuiltIndex const built = builtIndexOf(medium("mpeg4-packed.avi"));
     EXPECT_TRUE(std::none_of(built.packets.begin(), built.packets.end(), [](PacketFacts const& packet) {
         return packet.isKey && packet.picture == PacketFacts::ePicture::bidirectional;
     }));
 }
 
 TEST_F(IndexBuilderTest, HidesThePicturesThatAreNeverShown) {
-    BuiltIndex const built = build(medium("vp9-hidden-frames.webm"));
+    BuiltIndex const built = builtIndexOf(medium("vp9-hidden-frames.webm"));
     auto const shown = std::count_if(built.packets.begin(), built.packets.end(),
                                      [](PacketFacts const& packet) { return !packet.isHidden; });
     EXPECT_EQ(shown, 100);

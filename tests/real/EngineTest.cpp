@@ -1,9 +1,8 @@
 /// The FFmpeg reader's engine on every clip there is, real ones included.
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
 #include "plugins/ffmpeg/FrameFetcher.h"
+#include "tests/plugins_ffmpeg/BuiltIndexOf.h"
 #include "tests/real/RealMedia.h"
 
 namespace test {
@@ -51,16 +50,6 @@ TEST_P(EngineOnClip, ShowsEachFrameLaterThanTheOneBefore) {
 
 INSTANTIATE_TEST_SUITE_P(Clips, EngineOnClip, testing::ValuesIn(openableClips()), nameOf);
 
-BuiltIndex indexOf(std::string const& path) {
-    std::string error;
-    ByteFile file;
-    OpenContainer container;
-    if (!file.open(path, error) || !container.open(path, error)) {
-        throw std::runtime_error(path + " " + error);
-    }
-    return buildIndex(container, file);
-}
-
 /// Clips of the MOV family.
 std::vector<std::string> movies() {
     std::vector<std::string> movies = openableClips();
@@ -102,7 +91,7 @@ protected:
         return values;
     }
 
-    std::vector<PacketFacts> const built_ = indexOf(GetParam()).packets;
+    std::vector<PacketFacts> const built_ = builtIndexOf(GetParam()).packets;
     std::vector<PacketFacts> const read_ = packetsRead(GetParam());
 };
 

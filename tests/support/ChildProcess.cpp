@@ -14,20 +14,13 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "tests/support/ProgramTexts.h"
+
 namespace test {
 namespace {
 
 constexpr std::chrono::seconds patience{60};
 constexpr int pollMs = 200;
-
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    for (std::string& text : texts) {
-        pointers.push_back(text.data());
-    }
-    pointers.push_back(nullptr);
-    return pointers;
-}
 
 std::string pathOf(std::string const& program) {
     return program.find('/') == std::string::npos ? PLAYFILE_TEST_PROGRAM_DIR "/prog_" + program : program;

@@ -10,6 +10,8 @@
 #include <csignal>
 #include <stdexcept>
 
+#include "tests/support/ProgramTexts.h"
+
 namespace tooltest {
 namespace {
 
@@ -24,15 +26,6 @@ Pipe makePipe() {
         throw std::runtime_error("no pipe");
     }
     return {ends[0], ends[1]};
-}
-
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    for (std::string& text : texts) {
-        pointers.push_back(text.data());
-    }
-    pointers.push_back(nullptr);
-    return pointers;
 }
 
 std::vector<std::string> mergedEnvironment(Process::Environment const& added) {
@@ -84,7 +77,7 @@ Process::Process(std::vector<std::string> const& program, Environment const& env
     std::vector<std::string> arguments(program);
     std::vector<std::string> entries = mergedEnvironment(environment);
     int const error = ::posix_spawnp(&id_, arguments[0].c_str(), &actions, nullptr,
-                                     pointersTo(arguments).data(), pointersTo(entries).data());
+                                     test::pointersTo(arguments).data(), test::pointersTo(entries).data());
     posix_spawn_file_actions_destroy(&actions);
     ::close(out.writeEnd);
     ::close(err.writeEnd);

@@ -82,6 +82,15 @@ protected:
         decoder = Ox::makePtr<CountingDecoder>(answer);
         Ox::DecoderInfo::instance().add(decoder);
     }
+    /// Completes a request whose result needs a decoder: everybody must see it fail.
+    void expectFailedDecompression() {
+        auto const request = makeCompressed(resultDecompressed);
+        request->requestHasCompleted(requestComplete);
+        EXPECT_EQ(issuer.only().status, requestFailed);
+        EXPECT_EQ(issuer.only().result, buffer);
+        EXPECT_EQ(request->getRequestStatus(), requestFailed);
+        EXPECT_EQ(buffer->decompressStatus, FrameBufferRep::failed);
+    }
 
     FileScriptPtr script = std::make_shared<FileScript>();
     Ox::Ptr<FileReadInstance> file = makeVideoFile(script);
@@ -221,22 +230,12 @@ TEST_F(VideoReadRequestTest, ClaimsAndStampsTheBufferBeforeTheDecoderSeesIt) {
 }
 
 TEST_F(VideoReadRequestTest, FailsWithoutADecoder) {
-    auto const request = makeCompressed(resultDecompressed);
-    request->requestHasCompleted(requestComplete);
-    EXPECT_EQ(issuer.only().status, requestFailed);
-    EXPECT_EQ(issuer.only().result, buffer);
-    EXPECT_EQ(request->getRequestStatus(), requestFailed);
-    EXPECT_EQ(buffer->decompressStatus, FrameBufferRep::failed);
+    expectFailedDecompression();
 }
 
 TEST_F(VideoReadRequestTest, FailsWhenTheDecoderDoesNotAnswerOne) {
     addDecoder(2);
-    auto const request = makeCompressed(resultDecompressed);
-    request->requestHasCompleted(requestComplete);
-    EXPECT_EQ(issuer.only().status, requestFailed);
-    EXPECT_EQ(issuer.only().result, buffer);
-    EXPECT_EQ(request->getRequestStatus(), requestFailed);
-    EXPECT_EQ(buffer->decompressStatus, FrameBufferRep::failed);
+    expectFailedDecompression();
 }
 
 TEST_F(VideoReadRequestTest, TellsOfTheBufferThatTheDecoderPutThere) {

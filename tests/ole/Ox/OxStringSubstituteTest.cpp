@@ -20,6 +20,39 @@ Wide substituted(wchar_t const* text, wchar_t const* what, wchar_t const* with) 
     return string;
 }
 
+/// How a length that isn't that of the text is taken.
+struct GivenLength {
+    char const* behaviour;
+    wchar_t const* text;
+    wchar_t const* what;
+    std::uint32_t length;
+    wchar_t const* with;
+    std::uint32_t withLength;
+    wchar_t const* result;
+};
+
+class SubstituteWithALength : public ::testing::TestWithParam<GivenLength> {};
+
+TEST_P(SubstituteWithALength, DoesWhatItsNameSays) {
+    GivenLength const& given = GetParam();
+    Wide string(given.text);
+    string.substitute(given.what, given.length, given.with, given.withLength);
+    EXPECT_STREQ(string.c_str(), given.result);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Lengths, SubstituteWithALength,
+    ::testing::Values(
+        GivenLength{"TheLargestCutsAllThatFollows", L"Copying $FILE$ to the disk", L"$FILE$", 0xFFFFFFFF,
+                    L"a", 1, L"Copying a"},
+        GivenLength{"PastTheEndCutsAllThatFollows", L"ab$c", L"$", 3, L"--", 2, L"ab--"},
+        GivenLength{"ThatWouldWrapCutsAllThatFollows", L"ab$cd", L"$", 0xFFFFFFFE, L"-", 1, L"ab-"},
+        GivenLength{"UpToTheEndExactlyCutsAllThatFollows", L"ab$c", L"$", 2, L"-", 1, L"ab-"},
+        GivenLength{"LongerThanTheTextCutsWhatFollowsIt", L"$1 and $2", L"$", 2, L"x", 1, L"x and x"},
+        GivenLength{"ShorterThanTheTextLeavesItsRest", L"$FILE$!", L"$FILE$", 1, L"-", 1, L"-FILE$!"},
+        GivenLength{"OfTheInsertedTextTakesThatMuchOfIt", L"a$b", L"$", 1, L"12345", 2, L"a12b"}),
+    [](::testing::TestParamInfo<GivenLength> const& given) { return std::string(given.param.behaviour); });
+
 TEST(Substitute, ReplacesAPlaceholder) {
     EXPECT_STREQ(substituted(L"Copying $FILE$ now", L"$FILE$", L"a.mov").c_str(), L"Copying a.mov now");
 }
@@ -74,48 +107,6 @@ TEST(Substitute, OfAnEmptyStringStaysEmpty) {
 
 TEST(Substitute, OfAnEmptyTextChangesNothing) {
     EXPECT_STREQ(substituted(L"Copying", L"", L"x").c_str(), L"Copying");
-}
-
-TEST(Substitute, WithTheLargestLengthCutsAllThatFollows) {
-    Wide string(L"Copying $FILE$ to the disk");
-    string.substitute(L"$FILE$", 0xFFFFFFFF, L"a", 1);
-    EXPECT_STREQ(string.c_str(), L"Copying a");
-}
-
-TEST(Substitute, WithALengthPastTheEndCutsAllThatFollows) {
-    Wide string(L"ab$c");
-    string.substitute(L"$", 3, L"--", 2);
-    EXPECT_STREQ(string.c_str(), L"ab--");
-}
-
-TEST(Substitute, WithALengthThatWouldWrapCutsAllThatFollows) {
-    Wide string(L"ab$cd");
-    string.substitute(L"$", 0xFFFFFFFE, L"-", 1);
-    EXPECT_STREQ(string.c_str(), L"ab-");
-}
-
-TEST(Substitute, WithALengthUpToTheEndExactlyCutsAllThatFollows) {
-    Wide string(L"ab$c");
-    string.substitute(L"$", 2, L"-", 1);
-    EXPECT_STREQ(string.c_str(), L"ab-");
-}
-
-TEST(Substitute, WithALongerLengthThanTheTextCutsWhatFollowsIt) {
-    Wide string(L"$1 and $2");
-    string.substitute(L"$", 2, L"x", 1);
-    EXPECT_STREQ(string.c_str(), L"x and x");
-}
-
-TEST(Substitute, WithAShorterLengthThanTheTextLeavesItsRest) {
-    Wide string(L"$FILE$!");
-    string.substitute(L"$FILE$", 1, L"-", 1);
-    EXPECT_STREQ(string.c_str(), L"-FILE$!");
-}
-
-TEST(Substitute, TakesOnlyTheGivenLengthOfTheInsertedText) {
-    Wide string(L"a$b");
-    string.substitute(L"$", 1, L"12345", 2);
-    EXPECT_STREQ(string.c_str(), L"a12b");
 }
 
 TEST(Substitute, ResultHasThePowerOfTwoAboveItsLength) {

@@ -3,23 +3,9 @@
 #include <algorithm>
 #include <iterator>
 
+#include "tests/fakes/ForwardingOS.h"
+
 namespace test {
-
-/// The system in force with this thread service in place of its own.
-class RecordedThreads::System final : public iOS {
-public:
-    System(iOS& real, iThreadService& threads) : real_(real), threads_(threads) {}
-    iMemoryService& getMemory() override { return real_.getMemory(); }
-    iThreadService& getThreads() override { return threads_; }
-    iFileManager& getFileManager() override { return real_.getFileManager(); }
-    iErrorService& getErrors() override { return real_.getErrors(); }
-    iDebugService& getDebug() override { return real_.getDebug(); }
-    unsigned getProcessorCount() override { return real_.getProcessorCount(); }
-
-private:
-    iOS& real_;
-    iThreadService& threads_;
-};
 
 class RecordedThreads::Event : public iThreadEvent {
 public:
@@ -101,11 +87,10 @@ private:
 };
 
 /// The system is never destroyed, as a thread may still be on its way out of it.
-RecordedThreads::RecordedThreads()
-    : systemBefore_(OS()), real_(systemBefore_->getThreads()), expiry_(real_.makeEvent(false, false, 0)) {
-    static auto* const systems = new std::vector<System*>();
-    systems->push_back(new System(*systemBefore_, *this));
-    installOS(systems->back());
+RecordedThreads::RecordedThreads() : systemBefore_(OS()), expiry_(real().makeEvent(false, false, 0)) {
+    static auto* const systems = new std::vector<ForwardingOS*>();
+    systems->push_back(new ForwardingOS);
+    systems->back()->threads = this;
 }
 
 RecordedThreads::~RecordedThreads() {
@@ -113,13 +98,13 @@ RecordedThreads::~RecordedThreads() {
 }
 
 ThreadEventPtr RecordedThreads::makeEvent(bool isManualReset, bool isInitiallySet, int option) {
-    ThreadEventPtr const real = real_.makeEvent(isManualReset, isInitiallySet, option);
+    ThreadEventPtr const own = real().makeEvent(isManualReset, isInitiallySet, option);
     ThreadEventPtr event;
     std::string number;
     {
         std::scoped_lock const lock(mutex_);
         number = std::to_string(events_.size() + 1);
-        event = Ox::makePtr<Event>(*this, real, events_.size() + 1);
+        event = Ox::makePtr<Event>(*this, own, events_.size() + 1);
         events_.push_back(event);
     }
     record("make event " + number + (isManualReset ? " manual" : " auto") +
@@ -129,7 +114,7 @@ ThreadEventPtr RecordedThreads::makeEvent(bool isManualReset, bool isInitiallySe
 
 Ox::Ptr<iAccessLock> RecordedThreads::makeLock(char const* name) {
     record(std::string("make lock ") + name);
-    return Ox::makePtr<Lock>(*this, real_.makeLock(name));
+    return Ox::makePtr<Lock>(*this, real().makeLock(name));
 }
 
 Ox::Ptr<iThread> RecordedThreads::makeThread(ThreadDescription const& description) {
@@ -140,20 +125,20 @@ Ox::Ptr<iThread> RecordedThreads::makeThread(ThreadDescription const& descriptio
         descriptions_.push_back(description);
         number = descriptions_.size();
     }
-    return Ox::makePtr<Thread>(*this, real_.makeThread(description), number);
+    return Ox::makePtr<Thread>(*this, real().makeThread(description), number);
 }
 
 int RecordedThreads::waitForAny(std::vector<ThreadEventPtr> const& events, std::uint32_t waitMs) {
     std::string call = "wait " + std::to_string(waitMs) + " for any";
-    std::vector<ThreadEventPtr> real;
+    std::vector<ThreadEventPtr> own;
     for (ThreadEventPtr const& event : events) {
         auto const& recorded = dynamic_cast<Event const&>(*event);
         call += " " + recorded.number;
-        real.push_back(recorded.real);
+        own.push_back(recorded.real);
     }
-    real.push_back(expiry_);
+    own.push_back(expiry_);
     record(call);
-    int const index = real_.waitForAny(real, waitMs);
+    int const index = real().waitForAny(own, waitMs);
     return index == static_cast<int>(events.size()) ? -1 : index;
 }
 

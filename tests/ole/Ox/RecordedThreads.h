@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "ole/os/OS.h"
+#include "tests/fakes/ForwardingThreadService.h"
 
 namespace test {
 
@@ -22,18 +22,15 @@ namespace test {
 ///     "set 1", "wait M for 1", "wait M for any 1 2", "lock M", "unlock".
 ///
 /// Threads  Any; the public members are set before threads use it.
-class RecordedThreads final : public iThreadService {
+class RecordedThreads final : public ForwardingThreadService {
 public:
     RecordedThreads();
-    ~RecordedThreads();
-    RecordedThreads(RecordedThreads const&) = delete;
-    RecordedThreads& operator=(RecordedThreads const&) = delete;
+    ~RecordedThreads() override;
 
     ThreadEventPtr makeEvent(bool isManualReset, bool isInitiallySet, int option) override;
     Ox::Ptr<iAccessLock> makeLock(char const* name) override;
     Ox::Ptr<iThread> makeThread(ThreadDescription const& description) override;
     int waitForAny(std::vector<ThreadEventPtr> const& events, std::uint32_t waitMs) override;
-    void sleep(std::uint32_t milliseconds) override { real_.sleep(milliseconds); }
 
     [[nodiscard]] std::vector<std::string> calls() const;
     /// Those of the record that begin with `start`, in order.
@@ -63,12 +60,10 @@ private:
     class Event;
     class Lock;
     class Thread;
-    class System;
 
     void record(std::string const& call);
 
     iOS* const systemBefore_;
-    iThreadService& real_;
     ThreadEventPtr const expiry_;
     mutable std::mutex mutex_;
     std::condition_variable changed_;
