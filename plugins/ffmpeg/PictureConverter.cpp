@@ -1,8 +1,9 @@
 #include "plugins/ffmpeg/PictureConverter.h"
 
+#include "plugins/ffmpeg/PixelFormats.h"
+
 extern "C" {
 #include <libavutil/imgutils.h>
-#include <libavutil/pixdesc.h>
 }
 
 namespace playfile_ffmpeg {
@@ -12,11 +13,6 @@ namespace {
 constexpr int firstHdHeight = 720;
 /// 1.0 in the fixed point numbers of contrast and saturation.
 constexpr int unchanged = 1 << 16;
-
-bool isRgb(AVPixelFormat pixelFormat) {
-    AVPixFmtDescriptor const* const description = av_pix_fmt_desc_get(pixelFormat);
-    return description != nullptr && (description->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL)) != 0;
-}
 
 AVColorSpace matrixOf(AVFrame const& picture, AVColorSpace assumedMatrix) {
     if (picture.colorspace != AVCOL_SPC_UNSPECIFIED && picture.colorspace != AVCOL_SPC_RGB) {

@@ -21,6 +21,7 @@ Ox::Image::VideoData videoDataOf(AVFrame const& picture, StreamFacts const& fact
     StreamFacts own;
     own.colour = facts.colour;
     own.sampleAspect = facts.sampleAspect;
+    own.pixelFormat = static_cast<AVPixelFormat>(picture.format);
     if (picture.colorspace != AVCOL_SPC_UNSPECIFIED) {
         own.colour.matrix = picture.colorspace;
     }
@@ -68,7 +69,9 @@ Ox::Image::VideoData videoDataOf(StreamFacts const& facts) {
     data.colour.primaries = static_cast<std::uint8_t>(facts.colour.primaries);
     data.colour.transfer = static_cast<std::uint8_t>(facts.colour.transfer);
     data.colour.matrix = static_cast<std::uint8_t>(facts.colour.matrix);
-    data.colour.isFullRange = facts.colour.range == AVCOL_RANGE_JPEG;
+    data.colour.isRangeStated = facts.colour.range != AVCOL_RANGE_UNSPECIFIED;
+    data.colour.isFullRange =
+        data.colour.isRangeStated ? facts.colour.range == AVCOL_RANGE_JPEG : isRgb(facts.pixelFormat);
     data.colour.chromaLocation = static_cast<std::uint8_t>(facts.colour.chromaLocation);
     data.pixelAspectNumerator = static_cast<std::uint32_t>(facts.sampleAspect.num);
     data.pixelAspectDenominator = static_cast<std::uint32_t>(facts.sampleAspect.den);

@@ -60,4 +60,9 @@ AVPixelFormat pixelFormatOf(Ox::Image::Format format) {
     return description != nullptr ? av_get_pix_fmt(description->name.c_str()) : AV_PIX_FMT_NONE;
 }
 
+bool isRgb(AVPixelFormat pixelFormat) {
+    AVPixFmtDescriptor const* const description = av_pix_fmt_desc_get(pixelFormat);
+    return description != nullptr && (description->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL)) != 0;
+}
+
 }  // namespace playfile_ffmpeg

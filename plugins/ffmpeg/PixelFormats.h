@@ -12,4 +12,7 @@ Ox::Image::Format formatOf(AVPixelFormat pixelFormat);
 /// The pixel format of a number; AV_PIX_FMT_NONE if FFmpeg has none of that name.
 AVPixelFormat pixelFormatOf(Ox::Image::Format format);
 
+/// True for red, green and blue, or a palette of such; their samples use all of their range.
+bool isRgb(AVPixelFormat pixelFormat);
+
 }  // namespace playfile_ffmpeg

@@ -46,6 +46,40 @@ TEST(PictureSurface, TakesFromTheStreamWhatThePictureDoesNotSay) {
     EXPECT_EQ(surfaceOf(grayPicture(), facts, 0.0).getVideoData().colour.matrix, AVCOL_SPC_BT709);
 }
 
+StreamFacts factsWith(AVColorRange range, AVPixelFormat pixelFormat) {
+    StreamFacts facts;
+    facts.colour.range = range;
+    facts.pixelFormat = pixelFormat;
+    return facts;
+}
+
+TEST(ColourRange, IsTheOneThatIsStated) {
+    Ox::Image::VideoData const data = videoDataOf(factsWith(AVCOL_RANGE_MPEG, AV_PIX_FMT_RGB24));
+    EXPECT_TRUE(data.colour.isRangeStated);
+    EXPECT_FALSE(data.colour.isFullRange);
+}
+
+TEST(ColourRange, IsTakenForLimitedWhereNoneIsStated) {
+    Ox::Image::VideoData const data = videoDataOf(factsWith(AVCOL_RANGE_UNSPECIFIED, AV_PIX_FMT_YUV420P));
+    EXPECT_FALSE(data.colour.isRangeStated);
+    EXPECT_FALSE(data.colour.isFullRange);
+}
+
+TEST(ColourRange, IsTakenForFullInRedGreenAndBlue) {
+    Ox::Image::VideoData const data = videoDataOf(factsWith(AVCOL_RANGE_UNSPECIFIED, AV_PIX_FMT_RGB24));
+    EXPECT_FALSE(data.colour.isRangeStated);
+    EXPECT_TRUE(data.colour.isFullRange);
+}
+
+TEST(ColourRange, IsThatOfThePictureBeforeThatOfTheStream) {
+    AvPtr<AVFrame> picture = makeFrame();
+    picture->format = AV_PIX_FMT_YUV420P;
+    picture->color_range = AVCOL_RANGE_JPEG;
+    Surface const surface = surfaceOf(PicturePtr(picture.release(), AvDeleter()),
+                                      factsWith(AVCOL_RANGE_MPEG, AV_PIX_FMT_YUV420P), 0.0);
+    EXPECT_TRUE(surface.getVideoData().colour.isFullRange);
+}
+
 class FFmpegReaderTest : public ::testing::Test {
 protected:
     FFmpegReaderTest() {

@@ -48,6 +48,18 @@ TEST_F(InfoCommand, TellsColourAndFields) {
     EXPECT_EQ(video["fields"], "progressive");
 }
 
+TEST_F(InfoCommand, SaysThatARangeIsNotStatedAndWhatItIsReadAs) {
+    std::string const silent = makeClip("silent.mov", {"-frames:v", "3", "-c:v", "mpeg4"});
+    EXPECT_EQ(info(silent)["video"]["colour"]["range"], "not stated (read as limited)");
+    EXPECT_THAT(run({"info", silent}).out, HasSubstr("range: not stated (read as limited)"));
+}
+
+TEST_F(InfoCommand, ReadsRedGreenAndBlueAsFullRange) {
+    std::string const pictures =
+        makeClip("rgb.mov", {"-frames:v", "3", "-c:v", "qtrle", "-pix_fmt", "rgb24"});
+    EXPECT_EQ(info(pictures)["video"]["colour"]["range"], "not stated (read as full)");
+}
+
 TEST_F(InfoCommand, TellsTheOrientation) {
     std::string const plain = makeH264Clip();
     std::string const turned = path("turned.mp4");

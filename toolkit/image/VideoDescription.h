@@ -30,6 +30,8 @@ struct ColourDescription {
     std::uint8_t primaries = 2;
     std::uint8_t transfer = 2;
     std::uint8_t matrix = 2;
+    /// False if `isFullRange` is only what such a picture is usually taken for.
+    bool isRangeStated = false;
     bool isFullRange = false;
     /// 0 not stated, then left, centre, top left, top, bottom left, bottom as in H.273 plus 1.
     std::uint8_t chromaLocation = 0;

@@ -50,6 +50,11 @@ std::string matrixName(std::uint8_t code) {
     return nameIn(names, code);
 }
 
+std::string rangeName(Ox::Image::ColourDescription const& colour) {
+    std::string const range = colour.isFullRange ? "full" : "limited";
+    return colour.isRangeStated ? range : "not stated (read as " + range + ")";
+}
+
 std::string chromaLocationName(std::uint8_t code) {
     static Names const names{{0, notStated}, {1, "left"},        {2, "centre"}, {3, "top left"},
                              {4, "top"},     {5, "bottom left"}, {6, "bottom"}};

@@ -11,6 +11,8 @@ namespace cli {
 [[nodiscard]] std::string primariesName(std::uint8_t code);
 [[nodiscard]] std::string transferName(std::uint8_t code);
 [[nodiscard]] std::string matrixName(std::uint8_t code);
+/// Whether samples use all of their range, and whether somebody said so.
+[[nodiscard]] std::string rangeName(Ox::Image::ColourDescription const& colour);
 /// The name of a `ColourDescription::chromaLocation`.
 [[nodiscard]] std::string chromaLocationName(std::uint8_t code);
 

@@ -64,7 +64,7 @@ Json describeColour(Ox::Image::ColourDescription const& colour) {
     json["primaries"] = namedCode(colour.primaries, primariesName(colour.primaries));
     json["transfer"] = namedCode(colour.transfer, transferName(colour.transfer));
     json["matrix"] = namedCode(colour.matrix, matrixName(colour.matrix));
-    json["range"] = colour.isFullRange ? "full" : "limited";
+    json["range"] = rangeName(colour);
     json["chromaLocation"] = namedCode(colour.chromaLocation, chromaLocationName(colour.chromaLocation));
     return json;
 }
