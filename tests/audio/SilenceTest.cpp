@@ -1,6 +1,9 @@
 /// Streams that aren't played. The setting is read once in a process, and each test has one of its own.
 #include <algorithm>
+#include <array>
+#include <atomic>
 
+#include "ole/os/OS.h"
 #include "tests/audio/AudioFixture.h"
 #include "toolkit/services/Settings.h"
 
@@ -90,6 +93,41 @@ TEST_F(SilenceTest, GrowsAndLeavesWhatWasHandedOutAsItWas) {
     EXPECT_EQ(file->silence.getSampleCount(), 300U);
     EXPECT_NE(small->buffer.getHolder(), large->buffer.getHolder());
 }
+
+/// The sanitizers have allocation functions of their own.
+#if !defined(PLAYFILE_SANITIZED)
+
+/// Remembers the sizes of all blocks that are taken while it lives.
+class SizesTaken final : public iMemoryService {
+public:
+    SizesTaken() : before_(memoryService()) { installMemoryService(this); }
+    ~SizesTaken() { installMemoryService(&before_); }
+    void* allocate(std::size_t byteCount) override {
+        sizes[count++ % sizes.size()] = byteCount;
+        return before_.allocate(byteCount);
+    }
+    void release(void* block) noexcept override { before_.release(block); }
+    [[nodiscard]] bool holds(std::size_t byteCount) const {
+        return std::find(sizes.begin(), sizes.end(), byteCount) != sizes.end();
+    }
+
+    std::array<std::size_t, 1000> sizes{};
+    std::atomic<std::size_t> count{0};
+
+private:
+    iMemoryService& before_;
+};
+
+TEST_F(SilenceTest, IsFirstAsLargeAsItWasBeforeAndGrowsThen) {
+    openWith(1);
+    read({.stream = 1, .count = 1237});
+    SizesTaken const taken;
+    read({.stream = 1, .count = 5003});
+    EXPECT_TRUE(taken.holds(4 * 1237));
+    EXPECT_TRUE(taken.holds(4 * 5003));
+}
+
+#endif
 
 TEST_F(SilenceTest, IsZeroInAllTheMemoryItHas) {
     openWith(1);
