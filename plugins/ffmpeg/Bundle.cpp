@@ -95,32 +95,33 @@ void BundleWriter::finish(bool startsAnew, bool endsStream, int64_t holdFrom) {
     std::memcpy(bytes_.data(), &header, sizeof header);
 }
 
-std::optional<Bundle> readBundle(std::span<uint8_t const> bytes) {
+bool readBundle(std::span<uint8_t const> bytes, Bundle& bundle) {
     Cursor cursor(bytes);
     Header header;
     if (!cursor.take(header) || header.mark != bundleMark) {
-        return std::nullopt;
+        return false;
     }
-    Bundle bundle;
     bundle.startsAnew = header.startsAnew != 0;
     bundle.endsStream = header.endsStream != 0;
     bundle.holdFrom = header.holdFrom;
+    bundle.runs.clear();
+    bundle.packets.clear();
     for (uint32_t i = 0; i < header.runCount; ++i) {
         if (!cursor.take(bundle.runs.emplace_back())) {
-            return std::nullopt;
+            return false;
         }
     }
     for (uint32_t i = 0; i < header.packetCount; ++i) {
         PacketHeader head;
         Bundle::Packet& packet = bundle.packets.emplace_back();
         if (!cursor.take(head) || !cursor.take(head.byteCount, packet.bytes)) {
-            return std::nullopt;
+            return false;
         }
         packet.firstSample = head.firstSample;
         packet.sampleCount = head.sampleCount;
         packet.isFirstOfStream = head.isFirstOfStream != 0;
     }
-    return bundle;
+    return true;
 }
 
 }  // namespace playfile_ffmpeg

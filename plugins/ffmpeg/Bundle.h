@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <vector>
 
@@ -50,7 +49,8 @@ private:
     size_t packetAt_ = 0;
 };
 
-/// Takes a block apart; nothing if it is none that the writer wrote. The packets' bytes stay in the block.
-std::optional<Bundle> readBundle(std::span<uint8_t const> bytes);
+/// Takes a block apart into `bundle`; false if it is none that the writer wrote. The packets' bytes stay
+/// in the block.
+[[nodiscard]] bool readBundle(std::span<uint8_t const> bytes, Bundle& bundle);
 
 }  // namespace playfile_ffmpeg

@@ -1,8 +1,6 @@
 #include "plugins/ffmpeg/BundleDecoder.h"
 
 #include <algorithm>
-#include <cstring>
-#include <new>
 #include <utility>
 
 namespace playfile_ffmpeg {
@@ -10,8 +8,7 @@ namespace playfile_ffmpeg {
 BundleDecoder::BundleDecoder(std::unique_ptr<SoundDecoder> decoder, SoundForm form)
     : decoder_(std::move(decoder)),
       form_(std::move(form)),
-      isDelayed_(decoder_->context().codec_id == AV_CODEC_ID_OPUS),
-      packet_(makePacket()) {}
+      isDelayed_(decoder_->context().codec_id == AV_CODEC_ID_OPUS) {}
 
 void BundleDecoder::reset() {
     decoder_->restart();
@@ -50,12 +47,7 @@ void BundleDecoder::startAnew(Bundle const& bundle) {
 void BundleDecoder::feed(Bundle::Packet const& packet) {
     size_t const before = decoded_.size();
     if (!packet.bytes.empty()) {
-        if (av_new_packet(packet_.get(), static_cast<int>(packet.bytes.size())) < 0) {
-            throw std::bad_alloc();
-        }
-        std::memcpy(packet_->data, packet.bytes.data(), packet.bytes.size());
-        decoder_->feed(packet_.get());
-        av_packet_unref(packet_.get());
+        decoder_->feed(packet.bytes);
         collect();
     }
     place(packet, before);
@@ -115,6 +107,7 @@ void BundleDecoder::place(Bundle::Packet const& packet, size_t before) {
 
 void BundleDecoder::forgetBefore(int64_t sample) {
     while (!decoded_.empty() && decoded_.front().endSample() <= sample) {
+        decoder_->giveBack(std::move(decoded_.front().frame));
         decoded_.pop_front();
     }
 }

@@ -50,7 +50,6 @@ private:
     std::unique_ptr<SoundDecoder> const decoder_;
     SoundForm const form_;
     bool const isDelayed_;
-    AvPtr<AVPacket> const packet_;
     std::deque<Decoded> decoded_;  ///< In ascending order.
     int64_t next_ = 0;             ///< Where the next frame of a decoder that holds back samples stands.
     bool isAtStart_ = true;        ///< Nothing has come out since the decoder began.

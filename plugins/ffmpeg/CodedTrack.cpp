@@ -25,24 +25,30 @@ void CodedTrack::readFrom(std::string const& path, size_t stream, std::vector<Pa
     packets_ = std::make_unique<DemuxedSoundPackets>(path, stream, std::move(traces));
 }
 
-bool CodedTrack::goesOnAt(int64_t first) const {
-    std::vector<SampleRun> const runs = index_.kept().within(first, first + 1);
-    if (given_ == nothing || first == 0 || runs.empty() || runs.front().decoded < heldFrom_) {
+bool CodedTrack::goesOnAt(int64_t first) {
+    index_.kept().find(first, first + 1, runs_);
+    if (runs_.empty() || first == 0) {
         return false;
     }
-    return leadIn_.startFor(index_.packetWith(runs.front().decoded), index_) <= given_;
+    uint32_t const wanted = index_.packetWith(runs_.front().decoded);
+    return canGoOnTo(runs_.front(), leadIn_.startFor(wanted, index_));
 }
 
+bool CodedTrack::canGoOnTo(SampleRun const& run, uint32_t lead) const {
+    return given_ != nothing && run.decoded >= heldFrom_ && lead <= given_;
+}
+
+/// The first sample is reached from the first packet on, as one who plays the file from its start does.
 void CodedTrack::bundle(int64_t first, int64_t end, std::vector<uint8_t>& bytes) {
     BundleWriter writer(bytes);
-    bool const startsAnew = !goesOnAt(first);
-    std::vector<SampleRun> const runs = index_.kept().within(first, end);
-    for (SampleRun const& run : runs) {
+    index_.kept().find(first, end, runs_);
+    for (SampleRun const& run : runs_) {
         writer.addRun(run);
     }
-    uint32_t const wanted = runs.empty() ? 0 : index_.packetWith(runs.front().decoded);
-    uint32_t const endPacket = runs.empty() ? 0 : endPacketFor(runs.back().decoded + runs.back().count);
+    uint32_t const wanted = index_.packetWith(runs_.front().decoded);
+    uint32_t const endPacket = endPacketFor(runs_.back());
     uint32_t const lead = first == 0 ? 0 : leadIn_.startFor(wanted, index_);
+    bool const startsAnew = first == 0 || !canGoOnTo(runs_.front(), lead);
     for (uint32_t number = startsAnew ? lead : given_; number < endPacket; ++number) {
         SoundPacket const& packet = index_.packet(number);
         writer.beginPacket(packet.firstSample, packet.sampleCount, number == 0);
@@ -50,23 +56,21 @@ void CodedTrack::bundle(int64_t first, int64_t end, std::vector<uint8_t>& bytes)
         writer.endPacket();
     }
     given_ = startsAnew ? endPacket : std::max(given_, endPacket);
-    hold(startsAnew, wanted, runs);
+    hold(startsAnew, wanted, runs_.front());
     writer.finish(startsAnew, endPacket == index_.packetCount(), heldFrom_);
 }
 
 /// What the packets before the wanted one give after a start isn't right yet.
-void CodedTrack::hold(bool startsAnew, uint32_t wanted, std::vector<SampleRun> const& runs) {
+void CodedTrack::hold(bool startsAnew, uint32_t wanted, SampleRun const& first) {
     if (startsAnew) {
         heldFrom_ = index_.packet(wanted).firstSample;
     }
-    if (!runs.empty()) {
-        heldFrom_ = std::max(heldFrom_, runs.front().decoded - heldSamples);
-    }
+    heldFrom_ = std::max(heldFrom_, first.decoded - heldSamples);
 }
 
 /// One past the last packet that is needed; a decoder that holds back samples needs one more.
-uint32_t CodedTrack::endPacketFor(int64_t decodedEnd) const {
-    uint32_t const end = index_.packetWith(decodedEnd - 1) + 1;
+uint32_t CodedTrack::endPacketFor(SampleRun const& last) const {
+    uint32_t const end = index_.packetWith(last.decoded + last.count - 1) + 1;
     return std::min(isDelayed_ ? end + 1 : end, index_.packetCount());
 }
 

@@ -30,7 +30,7 @@ public:
 
     int64_t sampleCount() const { return index_.kept().count(); }
     /// True if the decoder stands so that the run from `first` on needs no jump.
-    bool goesOnAt(int64_t first) const;
+    bool goesOnAt(int64_t first);
 
     /// Writes the bundle for the samples from `first` up to `end` into `bytes`. Requires that the stream
     /// has them. May block on the file.
@@ -39,8 +39,9 @@ public:
 private:
     static constexpr uint32_t nothing = UINT32_MAX;
 
-    void hold(bool startsAnew, uint32_t wanted, std::vector<SampleRun> const& runs);
-    uint32_t endPacketFor(int64_t decodedEnd) const;
+    bool canGoOnTo(SampleRun const& run, uint32_t lead) const;
+    void hold(bool startsAnew, uint32_t wanted, SampleRun const& first);
+    uint32_t endPacketFor(SampleRun const& last) const;
 
     SoundIndex const index_;
     LeadIn const leadIn_;
@@ -48,6 +49,7 @@ private:
     std::unique_ptr<SoundPacketReader> packets_;
     uint32_t given_ = nothing;  ///< The packet after the last one that the decoder has got.
     int64_t heldFrom_ = 0;      ///< The decoder still holds what it decoded from this sample on.
+    std::vector<SampleRun> runs_;
 };
 
 }  // namespace playfile_ffmpeg

@@ -20,16 +20,15 @@ std::uint32_t FFmpegAudioDecoder::decodeAudioStream(Aud::StreamBufferList& outpu
                                                     unsigned int, unsigned int) {
     try {
         auto const* const bytes = static_cast<uint8_t const*>(packet->getBuffer());
-        std::optional<Bundle> const bundle = readBundle({bytes, packet->getUsed()});
-        if (!bundle) {
+        if (!readBundle({bytes, packet->getUsed()}, bundle_)) {
             return needsMore;
         }
-        decoder_->take(*bundle);
+        decoder_->take(bundle_);
         int64_t sampleCount = 0;
-        for (SampleRun const& run : bundle->runs) {
+        for (SampleRun const& run : bundle_.runs) {
             sampleCount += run.count;
         }
-        append(*bundle, static_cast<std::uint32_t>(sampleCount), output);
+        append(static_cast<std::uint32_t>(sampleCount), output);
         decoded += static_cast<std::uint32_t>(sampleCount);
         return good;
     } catch (std::exception const& exception) {
@@ -38,14 +37,13 @@ std::uint32_t FFmpegAudioDecoder::decodeAudioStream(Aud::StreamBufferList& outpu
     }
 }
 
-void FFmpegAudioDecoder::append(Bundle const& bundle, std::uint32_t sampleCount,
-                                Aud::StreamBufferList& output) const {
+void FFmpegAudioDecoder::append(std::uint32_t sampleCount, Aud::StreamBufferList& output) const {
     std::uint32_t const byteCount = sampleCount * decoder_->form().bytesPerSample();
     int channel = 0;
     for (Aud::StreamBuffer& buffer : output) {
         std::uint32_t const used = buffer.getUsed();
         buffer.setUsed(used + byteCount);
-        decoder_->write(bundle, channel++, static_cast<uint8_t*>(buffer.getBuffer()) + used);
+        decoder_->write(bundle_, channel++, static_cast<uint8_t*>(buffer.getBuffer()) + used);
     }
 }
 

@@ -25,9 +25,10 @@ public:
     [[nodiscard]] unsigned int getPreRollFrames() override { return 0; }
 
 private:
-    void append(Bundle const& bundle, std::uint32_t sampleCount, Aud::StreamBufferList& output) const;
+    void append(std::uint32_t sampleCount, Aud::StreamBufferList& output) const;
 
     std::unique_ptr<BundleDecoder> const decoder_;
+    Bundle bundle_;  ///< Of one call; kept for its memory.
 };
 
 /// Makes decoders for streams that this plug-in's readers have opened.

@@ -14,8 +14,8 @@ constexpr size_t skipMarkByteCount = 10;
 
 }  // namespace
 
-std::vector<SampleRun> KeptSamples::within(int64_t first, int64_t end) const {
-    std::vector<SampleRun> found;
+void KeptSamples::find(int64_t first, int64_t end, std::vector<SampleRun>& found) const {
+    found.clear();
     auto run = std::upper_bound(runs_.begin(), runs_.end(), first,
                                 [](int64_t at, SampleRun const& each) { return at < each.heard; });
     for (run -= run == runs_.begin() ? 0 : 1; run != runs_.end() && run->heard < end; ++run) {
@@ -25,7 +25,6 @@ std::vector<SampleRun> KeptSamples::within(int64_t first, int64_t end) const {
             found.push_back({from, run->decoded + (from - run->heard), to - from});
         }
     }
-    return found;
 }
 
 void KeptSamples::append(int64_t decoded, int64_t count) {

@@ -24,8 +24,9 @@ public:
     int64_t count() const { return runs_.empty() ? 0 : runs_.back().heard + runs_.back().count; }
     std::vector<SampleRun> const& runs() const { return runs_; }
 
-    /// The decoded samples behind the heard ones from `first` up to `end`, in ascending order.
-    std::vector<SampleRun> within(int64_t first, int64_t end) const;
+    /// Puts the decoded samples behind the heard ones from `first` up to `end` into `found`, in ascending
+    /// order.
+    void find(int64_t first, int64_t end, std::vector<SampleRun>& found) const;
 
     /// Puts decoded samples behind those that are heard already.
     void append(int64_t decoded, int64_t count);

@@ -15,7 +15,8 @@ PcmTrack::PcmTrack(std::shared_ptr<ByteFile const> file, PcmForm form, int chann
 
 void PcmTrack::read(int64_t first, uint32_t count, uint8_t* to) {
     size_t const bytesOfAll = Aud::bytesPerSampleOf(form_.delivered()) * channels_;
-    for (SampleRun const& run : kept_.within(first, first + count)) {
+    kept_.find(first, first + count, runs_);
+    for (SampleRun const& run : runs_) {
         readRun(run.decoded, run.count, to);
         to += static_cast<size_t>(run.count) * bytesOfAll;
     }

@@ -43,6 +43,7 @@ private:
     size_t const channels_;
     std::vector<PcmExtent> const extents_;
     KeptSamples const kept_;
+    std::vector<SampleRun> runs_;
     std::vector<uint8_t> stored_;  ///< Samples whose size changes, before they are converted.
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <new>
 #include <utility>
 
@@ -15,6 +16,9 @@ constexpr std::array forgettingCodecs = {
     AV_CODEC_ID_MP2,  AV_CODEC_ID_MP3,      AV_CODEC_ID_VORBIS, AV_CODEC_ID_OPUS,   AV_CODEC_ID_FLAC,
     AV_CODEC_ID_ALAC, AV_CODEC_ID_WMAV1,    AV_CODEC_ID_WMAV2,  AV_CODEC_ID_WMAPRO, AV_CODEC_ID_DTS};
 
+constexpr size_t mostSpareFrames = 64;
+constexpr size_t leastBlock = 4096;
+
 }  // namespace
 
 AvPtr<AVCodecParameters> copyOf(AVCodecParameters const& parameters) {
@@ -24,6 +28,9 @@ AvPtr<AVCodecParameters> copyOf(AVCodecParameters const& parameters) {
     }
     return copy;
 }
+
+SoundDecoder::SoundDecoder(AvPtr<AVCodecParameters> parameters)
+    : parameters_(std::move(parameters)), packet_(makePacket()) {}
 
 std::unique_ptr<SoundDecoder> SoundDecoder::open(AVCodecParameters const& parameters, std::string& error) {
     std::unique_ptr<SoundDecoder> decoder(new SoundDecoder(copyOf(parameters)));
@@ -83,11 +90,50 @@ bool SoundDecoder::feed(AVPacket const* packet) {
     return !isEmpty && avcodec_send_packet(context_.get(), packet) >= 0;
 }
 
-AvPtr<AVFrame> SoundDecoder::receive() {
-    if (!spare_) {
-        spare_ = makeFrame();
+bool SoundDecoder::feed(std::span<uint8_t const> bytes) {
+    makeRoom(bytes.size());
+    packet_->buf = av_buffer_pool_get(blocks_.get());
+    if (packet_->buf == nullptr) {
+        throw std::bad_alloc();
     }
-    return avcodec_receive_frame(context_.get(), spare_.get()) >= 0 ? std::move(spare_) : nullptr;
+    packet_->data = packet_->buf->data;
+    packet_->size = static_cast<int>(bytes.size());
+    std::memcpy(packet_->data, bytes.data(), bytes.size());
+    std::memset(packet_->data + bytes.size(), 0, AV_INPUT_BUFFER_PADDING_SIZE);
+    bool const isTaken = feed(packet_.get());
+    av_packet_unref(packet_.get());
+    return isTaken;
+}
+
+/// Blocks of one size, so that they can be used again and again; those in use outlive their pool.
+void SoundDecoder::makeRoom(size_t byteCount) {
+    size_t const needed = byteCount + AV_INPUT_BUFFER_PADDING_SIZE;
+    if (needed > blockByteCount_) {
+        blockByteCount_ = std::max(2 * needed, leastBlock);
+        blocks_.reset(av_buffer_pool_init(blockByteCount_, nullptr));
+    }
+    if (!blocks_) {
+        throw std::bad_alloc();
+    }
+}
+
+AvPtr<AVFrame> SoundDecoder::receive() {
+    if (spare_.empty()) {
+        spare_.push_back(makeFrame());
+    }
+    if (avcodec_receive_frame(context_.get(), spare_.back().get()) < 0) {
+        return nullptr;
+    }
+    AvPtr<AVFrame> frame = std::move(spare_.back());
+    spare_.pop_back();
+    return frame;
+}
+
+void SoundDecoder::giveBack(AvPtr<AVFrame> frame) {
+    if (spare_.size() < mostSpareFrames) {
+        av_frame_unref(frame.get());
+        spare_.push_back(std::move(frame));
+    }
 }
 
 bool SoundDecoder::isDelayed() const {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "plugins/ffmpeg/AvPointers.h"
 
@@ -24,20 +26,28 @@ public:
     /// Takes a packet; null says that no more follow. A packet without bytes counts as damaged.
     /// False if it can't be decoded.
     bool feed(AVPacket const* packet);
+    /// The same for a packet of which there is nothing but its bytes.
+    bool feed(std::span<uint8_t const> bytes);
     /// What came of it, frame by frame; empty when there is no more.
     AvPtr<AVFrame> receive();
+    /// Takes back a frame that isn't needed any more, for its memory.
+    void giveBack(AvPtr<AVFrame> frame);
 
     /// True if it still has samples when the last packet was taken.
     bool isDelayed() const;
     AVCodecContext const& context() const { return *context_; }
 
 private:
-    explicit SoundDecoder(AvPtr<AVCodecParameters> parameters) : parameters_(std::move(parameters)) {}
+    explicit SoundDecoder(AvPtr<AVCodecParameters> parameters);
     int openContext();
+    void makeRoom(size_t byteCount);
 
     AvPtr<AVCodecParameters> const parameters_;
     AvPtr<AVCodecContext> context_;
-    AvPtr<AVFrame> spare_;
+    AvPtr<AVPacket> const packet_;
+    AvPtr<AVBufferPool> blocks_;  ///< Memory for packets.
+    size_t blockByteCount_ = 0;
+    std::vector<AvPtr<AVFrame>> spare_;
 };
 
 /// A copy; throws std::bad_alloc when there is no memory.

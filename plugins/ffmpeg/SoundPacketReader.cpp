@@ -9,6 +9,7 @@ namespace {
 
 constexpr int mostJumps = 4;
 constexpr int64_t mostPacketBytes = int64_t{1} << 28;
+constexpr int64_t windowByteCount = 16384;
 
 /// Packets with the same identity can't be told apart.
 uint64_t identityOf(int64_t position, uint64_t byteCount, uint32_t fingerprint) {
@@ -23,18 +24,37 @@ DirectSoundPackets::DirectSoundPackets(std::shared_ptr<ByteFile const> file, Sou
 
 bool DirectSoundPackets::read(uint32_t number, std::vector<uint8_t>& bytes) {
     SoundPacket const& packet = index_.packet(number);
-    bool const isInFile = packet.position >= 0 && packet.byteCount <= mostPacketBytes &&
-                          packet.position <= file_->byteCount() - int64_t{packet.byteCount};
+    int64_t const byteCount = packet.byteCount;
+    bool const isInFile = packet.position >= 0 && byteCount <= mostPacketBytes &&
+                          packet.position <= file_->byteCount() - byteCount;
     if (!isInFile) {
         return false;
     }
-    size_t const before = bytes.size();
-    bytes.resize(before + packet.byteCount);
-    if (file_->readAt(packet.position, bytes.data() + before, packet.byteCount) != packet.byteCount) {
-        bytes.resize(before);
+    int64_t const windowEnd = windowAt_ + static_cast<int64_t>(window_.size());
+    bool const isThere = packet.position >= windowAt_ && packet.position + byteCount <= windowEnd;
+    if (!isThere && !readAhead(number)) {
         return false;
     }
+    uint8_t const* const first = window_.data() + (packet.position - windowAt_);
+    bytes.insert(bytes.end(), first, first + byteCount);
     return true;
+}
+
+/// Reads the packet, and those that follow it in the file as far as the window goes.
+bool DirectSoundPackets::readAhead(uint32_t number) {
+    SoundPacket const& first = index_.packet(number);
+    int64_t end = first.position + first.byteCount;
+    for (uint32_t next = number + 1; next < index_.packetCount(); ++next) {
+        SoundPacket const& packet = index_.packet(next);
+        if (packet.position != end || end + packet.byteCount > first.position + windowByteCount) {
+            break;
+        }
+        end += packet.byteCount;
+    }
+    windowAt_ = first.position;
+    window_.resize(static_cast<size_t>(end - windowAt_));
+    window_.resize(file_->readAt(windowAt_, window_.data(), window_.size()));
+    return window_.size() >= first.byteCount;
 }
 
 DemuxedSoundPackets::DemuxedSoundPackets(std::string path, size_t stream, std::vector<PacketTrace> traces)

@@ -26,6 +26,8 @@ public:
 };
 
 /// Reads packets that lie in the file in one piece.
+///
+/// Where they lie one behind the other, several are read at once.
 class DirectSoundPackets : public SoundPacketReader {
 public:
     DirectSoundPackets(std::shared_ptr<ByteFile const> file, SoundIndex const& index);
@@ -33,8 +35,12 @@ public:
     [[nodiscard]] bool read(uint32_t number, std::vector<uint8_t>& bytes) override;
 
 private:
+    bool readAhead(uint32_t number);
+
     std::shared_ptr<ByteFile const> const file_;
     SoundIndex const& index_;
+    std::vector<uint8_t> window_;  ///< What was read last.
+    int64_t windowAt_ = 0;
 };
 
 /// Reads packets through libavformat.
