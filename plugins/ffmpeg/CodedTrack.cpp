@@ -30,12 +30,17 @@ bool CodedTrack::goesOnAt(int64_t first) {
     if (runs_.empty() || first == 0) {
         return false;
     }
-    uint32_t const wanted = index_.packetWith(runs_.front().decoded);
+    uint32_t const wanted = index_.packetWith(runs_.front().decoded, nextWanted());
     return canGoOnTo(runs_.front(), leadIn_.startFor(wanted, index_));
 }
 
 bool CodedTrack::canGoOnTo(SampleRun const& run, uint32_t lead) const {
     return given_ != nothing && run.decoded >= heldFrom_ && lead <= given_;
+}
+
+/// The packet that a read in order begins with, or the one before.
+uint32_t CodedTrack::nextWanted() const {
+    return given_ == nothing || given_ < 2 ? 0 : given_ - 2;
 }
 
 /// The first sample is reached from the first packet on, as one who plays the file from its start does.
@@ -45,8 +50,8 @@ void CodedTrack::bundle(int64_t first, int64_t end, std::vector<uint8_t>& bytes)
     for (SampleRun const& run : runs_) {
         writer.addRun(run);
     }
-    uint32_t const wanted = index_.packetWith(runs_.front().decoded);
-    uint32_t const endPacket = endPacketFor(runs_.back());
+    uint32_t const wanted = index_.packetWith(runs_.front().decoded, nextWanted());
+    uint32_t const endPacket = endPacketFor(runs_.back(), wanted);
     uint32_t const lead = first == 0 ? 0 : leadIn_.startFor(wanted, index_);
     bool const startsAnew = first == 0 || !canGoOnTo(runs_.front(), lead);
     for (uint32_t number = startsAnew ? lead : given_; number < endPacket; ++number) {
@@ -69,8 +74,8 @@ void CodedTrack::hold(bool startsAnew, uint32_t wanted, SampleRun const& first) 
 }
 
 /// One past the last packet that is needed; a decoder that holds back samples needs one more.
-uint32_t CodedTrack::endPacketFor(SampleRun const& last) const {
-    uint32_t const end = index_.packetWith(last.decoded + last.count - 1) + 1;
+uint32_t CodedTrack::endPacketFor(SampleRun const& last, uint32_t wanted) const {
+    uint32_t const end = index_.packetWith(last.decoded + last.count - 1, wanted) + 1;
     return std::min(isDelayed_ ? end + 1 : end, index_.packetCount());
 }
 

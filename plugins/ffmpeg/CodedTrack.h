@@ -41,7 +41,8 @@ private:
 
     bool canGoOnTo(SampleRun const& run, uint32_t lead) const;
     void hold(bool startsAnew, uint32_t wanted, SampleRun const& first);
-    uint32_t endPacketFor(SampleRun const& last) const;
+    uint32_t endPacketFor(SampleRun const& last, uint32_t wanted) const;
+    uint32_t nextWanted() const;
 
     SoundIndex const index_;
     LeadIn const leadIn_;

@@ -57,7 +57,6 @@ int SoundDecoder::openContext() {
         return code;
     }
     context->thread_count = 1;
-    context->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
     AVDictionary* options = nullptr;
     // Where noise stands in for what wasn't coded, it must be the same noise however one came there.
     av_dict_set(&options, "cons_noisegen", "1", 0);
@@ -65,8 +64,14 @@ int SoundDecoder::openContext() {
     av_dict_free(&options);
     if (code >= 0) {
         context_ = std::move(context);
+        takeOverSkipping();
     }
     return code;
+}
+
+/// What is to be skipped stands at the first frame after a start; saying so with each frame takes time.
+void SoundDecoder::takeOverSkipping() {
+    context_->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
 }
 
 void SoundDecoder::restart() {
@@ -74,6 +79,7 @@ void SoundDecoder::restart() {
                          forgettingCodecs.end();
     if (forgets) {
         avcodec_flush_buffers(context_.get());
+        takeOverSkipping();
     } else {
         restartAtFirstPacket();
     }
@@ -82,6 +88,7 @@ void SoundDecoder::restart() {
 void SoundDecoder::restartAtFirstPacket() {
     if (openContext() < 0) {
         avcodec_flush_buffers(context_.get());
+        takeOverSkipping();
     }
 }
 
@@ -124,6 +131,7 @@ AvPtr<AVFrame> SoundDecoder::receive() {
     if (avcodec_receive_frame(context_.get(), spare_.back().get()) < 0) {
         return nullptr;
     }
+    context_->flags2 &= ~AV_CODEC_FLAG2_SKIP_MANUAL;
     AvPtr<AVFrame> frame = std::move(spare_.back());
     spare_.pop_back();
     return frame;

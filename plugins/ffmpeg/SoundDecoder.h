@@ -40,6 +40,7 @@ public:
 private:
     explicit SoundDecoder(AvPtr<AVCodecParameters> parameters);
     int openContext();
+    void takeOverSkipping();
     void makeRoom(size_t byteCount);
 
     AvPtr<AVCodecParameters> const parameters_;

@@ -35,11 +35,15 @@ public:
     int64_t decodedCount() const { return packets_.empty() ? 0 : packets_.back().endSample(); }
 
     /// The packet that gives a decoded sample; the last one for samples behind all packets.
-    uint32_t packetWith(int64_t decodedSample) const;
+    ///
+    /// @param hint  where it may be, or shortly before it
+    uint32_t packetWith(int64_t decodedSample, uint32_t hint = 0) const;
     /// The last packet not behind `number` that decoding may begin at; 0 if there is none.
     uint32_t startAtOrBefore(uint32_t number) const;
 
 private:
+    bool isWith(uint32_t number, int64_t decodedSample) const;
+
     std::vector<SoundPacket> packets_;
     std::vector<bool> isStart_;
     KeptSamples kept_;

@@ -10,6 +10,7 @@ namespace {
 constexpr int mostJumps = 4;
 constexpr int64_t mostPacketBytes = int64_t{1} << 28;
 constexpr int64_t windowByteCount = 16384;
+constexpr int64_t firstWindowByteCount = 4096;
 
 /// Packets with the same identity can't be told apart.
 uint64_t identityOf(int64_t position, uint64_t byteCount, uint32_t fingerprint) {
@@ -40,13 +41,16 @@ bool DirectSoundPackets::read(uint32_t number, std::vector<uint8_t>& bytes) {
     return true;
 }
 
-/// Reads the packet, and those that follow it in the file as far as the window goes.
+/// Reads the packet, and those that follow it in the file as far as the window goes; after a jump that is
+/// a small one.
 bool DirectSoundPackets::readAhead(uint32_t number) {
     SoundPacket const& first = index_.packet(number);
+    bool const goesOn = first.position == windowAt_ + static_cast<int64_t>(window_.size());
+    int64_t const reach = first.position + (goesOn ? windowByteCount : firstWindowByteCount);
     int64_t end = first.position + first.byteCount;
     for (uint32_t next = number + 1; next < index_.packetCount(); ++next) {
         SoundPacket const& packet = index_.packet(next);
-        if (packet.position != end || end + packet.byteCount > first.position + windowByteCount) {
+        if (packet.position != end || end + packet.byteCount > reach) {
             break;
         }
         end += packet.byteCount;

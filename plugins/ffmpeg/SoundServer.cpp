@@ -9,6 +9,13 @@
 #include "toolkit/services/Log.h"
 
 namespace playfile_ffmpeg {
+namespace {
+
+/// What is decoded at once when samples are read in order: a few blocks, as many as an editor that plays
+/// has under way.
+constexpr std::uint64_t aheadSamples = 8192;
+
+}  // namespace
 
 SoundServer::SoundServer(std::vector<Aud::Metadata>& audioStreams, std::unique_ptr<SoundFile> file)
     : AudioReader(audioStreams), file_(std::move(file)) {
@@ -32,9 +39,10 @@ void SoundServer::readAudio(Ox::Ptr<AudioReadRequest>& request) {
         request->doCallbacks(self);
         return;
     }
-    expect(*request);
+    reading_ = request.get();
+    wanted_.isSettled = false;
     AudioReader::readAudio(request);
-    isReading_ = false;
+    reading_ = nullptr;
 }
 
 bool SoundServer::isBehindEnd(AudioReadRequest const& request) const {
@@ -45,19 +53,15 @@ bool SoundServer::isBehindEnd(AudioReadRequest const& request) const {
     return track.coded && request.startSample >= static_cast<std::uint64_t>(track.sampleCount());
 }
 
-void SoundServer::expect(AudioReadRequest const& request) {
-    isReading_ = request.stream < streams.size() && streams[request.stream].samplesPerCodecFrame != 0;
-    if (!isReading_) {
-        return;
-    }
+/// The read that is under way has come to its first frame: its samples aren't held from an earlier read.
+void SoundServer::settle(AudioReadRequest const& request, CodedTrack& track) {
     std::uint64_t const frameSamples = streams[request.stream].samplesPerCodecFrame;
     wanted_.stream = request.stream;
     wanted_.firstFrame = request.startSample / frameSamples;
     wanted_.endSample = request.startSample + request.numSamples;
     wanted_.fetchedSamples = request.mcsCount;
-    SoundTrack const& track = file_->tracks()[request.stream];
-    wanted_.decodesAhead =
-        track.coded && track.coded->goesOnAt(static_cast<int64_t>(wanted_.firstFrame * frameSamples));
+    wanted_.decodesAhead = track.goesOnAt(static_cast<int64_t>(wanted_.firstFrame * frameSamples));
+    wanted_.isSettled = true;
 }
 
 OxResult SoundServer::readAudioSamples(unsigned int stream, unsigned long sample, unsigned int count,
@@ -99,7 +103,10 @@ OxResult SoundServer::readBundle(unsigned int stream, std::uint64_t frame, ByteB
     if (first >= static_cast<std::uint64_t>(track.sampleCount())) {
         return oxNoMorePackets;
     }
-    bool const isWanted = isReading_ && wanted_.stream == stream;
+    bool const isWanted = reading_ != nullptr && reading_->stream == stream;
+    if (isWanted && !wanted_.isSettled) {
+        settle(*reading_, track);
+    }
     if (isWanted && !wanted_.decodesAhead && first >= wanted_.endSample) {
         return oxEndOfData;
     }
@@ -111,11 +118,14 @@ OxResult SoundServer::readBundle(unsigned int stream, std::uint64_t frame, ByteB
 std::uint64_t SoundServer::endOf(unsigned int stream, std::uint64_t frame) const {
     std::uint64_t const frameSamples = streams[stream].samplesPerCodecFrame;
     std::uint64_t end = (frame + 1) * frameSamples;
-    bool const isWanted = isReading_ && wanted_.stream == stream && frame >= wanted_.firstFrame;
+    bool const isWanted = reading_ != nullptr && wanted_.stream == stream && frame >= wanted_.firstFrame;
     bool const endsRead =
         isWanted && (frame + 1 - wanted_.firstFrame) * frameSamples >= wanted_.fetchedSamples;
     if (endsRead) {
         end = std::max(end, wanted_.endSample);
+    }
+    if (endsRead && wanted_.decodesAhead) {
+        end = std::max(end, (wanted_.firstFrame + aheadSamples / frameSamples) * frameSamples);
     }
     return std::min(end, static_cast<std::uint64_t>(file_->tracks()[stream].sampleCount()));
 }

@@ -12,15 +12,15 @@ namespace playfile_ffmpeg {
 /// Serves the audio reads of one open file.
 ///
 /// A coded stream is read by frames that are counted from its first sample that is heard. A read that
-/// goes on where the last one ended decodes as far ahead as the library asks; one that jumps there
-/// decodes what its request needs and no more.
+/// goes on where the last one ended decodes ahead, so that the reads after it find their samples; one that
+/// jumps there decodes what its request needs and no more.
 ///
 /// Threads    As `Ox::AudioReader`.
 /// Errors     A stream without a decoder fails its reads. A read that begins behind the end of a stream
 ///            that is shorter than the file is complete and empty.
 /// Deliberate The frame that ends a read is longer than the others if the request's samples go on behind
-///            it: where a read begins inside a frame, the samples that it asks for end behind as many whole
-///            frames as it counts.
+///            it (where a read begins inside a frame, the samples that it asks for end behind as many whole
+///            frames as it counts), and if the read decodes ahead.
 class SoundServer final : public Ox::AudioReader {
 public:
     /// @param audioStreams  of the file's metadata, which gets the forms of all streams
@@ -42,10 +42,11 @@ private:
         std::uint64_t endSample = 0;
         std::uint64_t fetchedSamples = 0;
         bool decodesAhead = false;
+        bool isSettled = false;
     };
 
     [[nodiscard]] bool isBehindEnd(AudioReadRequest const& request) const;
-    void expect(AudioReadRequest const& request);
+    void settle(AudioReadRequest const& request, CodedTrack& track);
     [[nodiscard]] OxResult readPcm(PcmTrack& track, std::uint32_t bytesOfAll, std::uint64_t sample,
                                    std::uint32_t count, ByteBufferImpl& buffer,
                                    unsigned int& samplesRead) const;
@@ -53,7 +54,7 @@ private:
     [[nodiscard]] std::uint64_t endOf(unsigned int stream, std::uint64_t frame) const;
 
     std::unique_ptr<SoundFile> const file_;
-    bool isReading_ = false;
+    AudioReadRequest const* reading_ = nullptr;  ///< Under way; null between reads.
     Wanted wanted_;
     std::vector<std::uint8_t> bundle_;
 };
