@@ -213,6 +213,106 @@ make_video-and-cover-art.mp4() {
     run -i "$scratch/covered.mp4" -i "$scratch/cover.jpg" -map 0 -map 1 -c copy \
         -disposition:v:1 attached_pic "${exact[@]}" "$1"
 }
+
+# music RATE CHANNELS: five seconds of sound that never stays the same: notes that climb, bursts of noise,
+# silence; sets $music.
+music() {
+    music="$scratch/music-$1-$2.wav"
+    [ -e "$music" ] && return
+    local channel expressions=""
+    for ((channel = 1; channel <= $2; channel++)); do
+        expressions+="${expressions:+|}0.35*sin(2*PI*($((90 * channel))+$((70 * channel))*t)*t)*gt(mod(t,$channel.7),0.4)"
+        expressions+="+0.1*(2*random($channel)-1)*gt(mod(t+0.3*$channel,1.5),1.2)"
+    done
+    run -f lavfi -i "aevalsrc='$expressions':sample_rate=$1:duration=5" -c:a pcm_s24le "$music"
+}
+# coded RATE CHANNELS OUT OPTION...: that sound, coded.
+coded() {
+    music "$1" "$2"
+    run -i "$music" "${@:4}" -map_metadata -1 "$3"
+}
+make_music-s16.mov() { coded 48000 2 "$1" -c:a pcm_s16le; }
+make_music-s24be-6ch.mov() { coded 48000 6 "$1" -c:a pcm_s24be; }
+make_music-f64be.caf() { coded 44100 2 "$1" -c:a pcm_f64be; }
+make_music-s8.aiff() { coded 44100 2 "$1" -c:a pcm_s8; }
+make_music-mulaw.au() { coded 44100 2 "$1" -c:a pcm_mulaw; }
+make_music-alaw.mov() { coded 44100 2 "$1" -c:a pcm_alaw; }
+make_music-u16be.nut() { coded 44100 2 "$1" -c:a pcm_u16be; }
+make_music-s64.nut() { coded 44100 2 "$1" -c:a pcm_s64le; }
+make_music-s16-planar.nut() { coded 44100 2 "$1" -c:a pcm_s16le_planar; }
+make_music-s24.mkv() { coded 48000 2 "$1" -c:a pcm_s24le; }
+make_music-f32.avi() { coded 48000 2 "$1" -c:a pcm_f32le; }
+make_music-dvd.vob() { coded 48000 2 "$1" -c:a pcm_dvd -sample_fmt s32; }
+make_music-bluray.m2ts() { coded 48000 2 "$1" -c:a pcm_bluray -mpegts_m2ts_mode 1 -f mpegts; }
+make_music-302m.ts() { coded 48000 2 "$1" -c:a s302m -strict -2; }
+# Without the noise that stands in for what isn't coded, a decoder gives the same wherever it begins.
+make_music-aac.mp4() { coded 48000 2 "$1" -c:a aac -aac_pns 0; }
+make_music-aac-6ch.m4a() { coded 48000 6 "$1" -c:a aac -aac_pns 0; }
+make_music-aac-fragmented.mp4() {
+    coded 44100 2 "$1" -c:a aac -aac_pns 0 -movflags empty_moov -frag_duration 500000
+}
+make_music-aac.ts() { coded 48000 2 "$1" -c:a aac -aac_pns 0; }
+make_music-aac.aac() { coded 44100 1 "$1" -c:a aac -aac_pns 0; }
+make_music-aac.mkv() { coded 48000 2 "$1" -c:a aac -aac_pns 0; }
+make_music-noisy-aac.m4a() { coded 48000 2 "$1" -c:a aac -aac_pns 1; }
+make_music-latm.ts() {
+    coded 48000 2 "$scratch/music-latm.mp4" -c:a aac -aac_pns 0
+    run -i "$scratch/music-latm.mp4" -c copy -mpegts_flags latm "$1"
+}
+# The container hides what lies before 1.3 seconds, in the middle of a packet.
+make_music-aac-edited.mp4() {
+    coded 48000 2 "$scratch/music-whole.mp4" -c:a aac -aac_pns 0
+    run -ss 1.3 -i "$scratch/music-whole.mp4" -c copy "$1"
+}
+make_music-128k.mp3() { coded 44100 2 "$1" -c:a libmp3lame -b:a 128k; }
+make_music-32k.mp3() { coded 44100 2 "$1" -c:a libmp3lame -b:a 32k; }
+make_music-vbr.mp3() { coded 48000 2 "$1" -c:a libmp3lame -q:a 3; }
+make_music-8k.mp3() { coded 8000 1 "$1" -c:a libmp3lame -b:a 8k; }
+make_music-mp3.avi() { coded 48000 2 "$1" -c:a libmp3lame; }
+make_music-mp3.mp4() { coded 48000 2 "$1" -c:a libmp3lame; }
+make_music.opus() { coded 48000 2 "$1" -c:a libopus -b:a 96k; }
+make_music-6ch.opus() { coded 48000 6 "$1" -c:a libopus -mapping_family 1; }
+make_music-short-packets.opus() { coded 48000 2 "$1" -c:a libopus -frame_duration 2.5; }
+make_music-speech.opus() { coded 8000 1 "$1" -c:a libopus -b:a 12k -application voip; }
+make_music-opus.webm() { coded 48000 2 "$1" -c:a libopus; }
+make_music.ogg() { coded 44100 2 "$1" -c:a libvorbis; }
+make_music-vorbis.webm() { coded 48000 2 "$1" -c:a libvorbis; }
+make_music-24.flac() { coded 48000 2 "$1" -c:a flac; }
+make_music-flac.ogg() { coded 44100 2 "$1" -c:a flac -sample_fmt s16; }
+make_music-flac.mkv() { coded 44100 2 "$1" -c:a flac -sample_fmt s16; }
+make_music-alac.m4a() { coded 44100 2 "$1" -c:a alac; }
+make_music.tta() { coded 44100 2 "$1" -c:a tta; }
+make_music.wv() { coded 44100 2 "$1" -c:a wavpack; }
+make_music.thd() { coded 48000 2 "$1" -c:a truehd -strict -2; }
+make_music.ac3() { coded 48000 6 "$1" -c:a ac3; }
+make_music-eac3.mp4() { coded 48000 2 "$1" -c:a eac3; }
+make_music.mp2() { coded 48000 2 "$1" -c:a mp2; }
+make_music-mp2.mpg() { coded 48000 2 "$1" -c:a mp2; }
+make_music.wma() { coded 44100 2 "$1" -c:a wmav2; }
+make_music.gsm() { coded 8000 1 "$1" -c:a libgsm; }
+make_music-ima.mov() { coded 44100 2 "$1" -c:a adpcm_ima_qt; }
+# Two streams of different rates, codecs and lengths.
+make_music-two-streams.mov() {
+    music 48000 2
+    local first=$music
+    music 44100 1
+    run -i "$first" -i "$music" -map 0 -map 1 -c:a:0 pcm_s16le -c:a:1 aac -aac_pns 0 -map_metadata -1 "$1"
+}
+make_pictures-and-music.mxf() {
+    stamped 320x180 30000/1001 60 yuv420p
+    music 48000 2
+    run -i "$master" -i "$music" -shortest -c:v mpeg2video -g 1 -c:a pcm_s16le "${exact[@]}" "$1"
+}
+make_pictures-and-music.dv() {
+    stamped 720x576 25 25 yuv420p
+    music 48000 2
+    run -i "$master" -i "$music" -shortest -c:v dvvideo -c:a pcm_s16le -f dv "$1"
+}
+make_pictures-and-music.ts() {
+    stamped 320x180 25 50 yuv420p
+    music 48000 2
+    run -i "$master" -i "$music" -shortest "${x264[@]}" -c:a aac -aac_pns 0 "$1"
+}
 make_text-named.mov() { echo "These are words and no pictures." >"$1"; }
 make_empty.mp4() { : >"$1"; }
 

@@ -44,12 +44,18 @@ FirstLook::FirstLook(AVCodecParameters const& parameters) : parameters_(copyOf(p
     isOver_ = !decoder_;
 }
 
+/// What the container says beside a packet only counts for the first ones: a decoder that heard of a cut at
+/// the end would make it.
 uint32_t FirstLook::take(AVPacket const& packet) {
     uint32_t samples = 0;
     if (!decoder_) {
         return samples;
     }
-    decoder_->feed(&packet);
+    if (hasFrame_) {
+        decoder_->feed(std::span(packet.data, static_cast<size_t>(packet.size)));
+    } else {
+        decoder_->feed(&packet);
+    }
     while (AvPtr<AVFrame> const frame = decoder_->receive()) {
         samples += static_cast<uint32_t>(frame->nb_samples);
         if (!hasFrame_) {

@@ -1,6 +1,7 @@
 #include "plugins/ffmpeg/PcmForm.h"
 
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "plugins/ffmpeg/SoundDecoder.h"
@@ -98,10 +99,14 @@ std::optional<PcmForm> PcmForm::of(AVCodecParameters const& parameters) {
 
 /// Each byte stands for one sample, so one decoded packet of all bytes tells them all.
 bool PcmForm::makeTable(AVCodecParameters const& parameters) {
-    AvPtr<AVCodecParameters> const mono = copyOf(parameters);
-    av_channel_layout_uninit(&mono->ch_layout);
+    AvPtr<AVCodecParameters> const mono(avcodec_parameters_alloc());
+    if (!mono) {
+        throw std::bad_alloc();
+    }
+    mono->codec_type = AVMEDIA_TYPE_AUDIO;
+    mono->codec_id = parameters.codec_id;
+    mono->sample_rate = parameters.sample_rate;
     av_channel_layout_default(&mono->ch_layout, 1);
-    mono->block_align = 1;
     std::string error;
     std::unique_ptr<SoundDecoder> const decoder = SoundDecoder::open(*mono, error);
     AvPtr<AVPacket> const packet = makePacket();

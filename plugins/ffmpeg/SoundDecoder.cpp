@@ -98,6 +98,9 @@ bool SoundDecoder::feed(AVPacket const* packet) {
 }
 
 bool SoundDecoder::feed(std::span<uint8_t const> bytes) {
+    if (bytes.empty()) {
+        return false;
+    }
     makeRoom(bytes.size());
     packet_->buf = av_buffer_pool_get(blocks_.get());
     if (packet_->buf == nullptr) {

@@ -192,6 +192,7 @@ SoundPlan SoundSurvey::finish() {
     if (pcm_ && liesInFile_) {
         plan.pcm = pcm_;
         plan.form.form = pcm_->delivered();
+        plan.form.frameSamples = 0;
         for (SoundPacket const& packet : packets_) {
             appendExtent(plan.extents, packet.position, packet.sampleCount, bytesOfAllChannels());
         }

@@ -36,8 +36,14 @@ bool isOneOf(std::string const& extension, std::initializer_list<char const*> kn
     return std::any_of(known.begin(), known.end(), [&](char const* each) { return extension == each; });
 }
 
+/// Our script names files of sound alone so.
+bool isMusic(std::string const& path) {
+    return fs::path(path).filename().string().starts_with("music");
+}
+
 bool mayHavePictures(std::string const& path) {
-    return !isOneOf(fs::path(path).extension().string(), {".wav", ".mp3", ".md", ".txt", ".stamp", ""});
+    return !isMusic(path) &&
+           !isOneOf(fs::path(path).extension().string(), {".wav", ".mp3", ".md", ".txt", ".stamp", ""});
 }
 
 }  // namespace
@@ -66,6 +72,20 @@ std::vector<std::string> waveFiles() {
     std::erase_if(files, [](std::string const& file) {
         return !file.ends_with(".wav") || fs::path(file).filename().string().starts_with("alaw");
     });
+    return files;
+}
+
+std::vector<std::string> soundFiles() {
+    std::vector<std::string> files = filesBelow(PLAYFILE_TEST_MEDIA_DIR);
+    std::erase_if(files, [](std::string const& file) {
+        std::string const name = fs::path(file).filename().string();
+        return !isMusic(file) && !name.starts_with("pictures-and-music") &&
+               !isOneOf(name, {"prores-422-pcm.mov", "mpeg2-interlaced.ts", "tone-cover-art.mp3"});
+    });
+    for (char const* const folder : {"audio", "video"}) {
+        std::vector<std::string> const more = filesBelow(realFolder(folder));
+        files.insert(files.end(), more.begin(), more.end());
+    }
     return files;
 }
 
@@ -101,9 +121,10 @@ std::vector<std::string> shownFrames(std::string const& path) {
     return sums;
 }
 
-std::string decodedSamples(std::string const& path, std::string const& form) {
-    ChildProcess program("/usr/bin/ffmpeg", {"-nostdin", "-v", "quiet", "-i", path, "-map", "0:a:0", "-c:a",
-                                             "pcm_" + form, "-f", form, "-"});
+std::string decodedSamples(std::string const& path, std::string const& form, std::uint32_t stream) {
+    ChildProcess program("/usr/bin/ffmpeg",
+                         {"-nostdin", "-v", "quiet", "-i", path, "-map", "0:a:" + std::to_string(stream),
+                          "-c:a", "pcm_" + form, "-f", form, "-"});
     return program.waitForEnd().output;
 }
 

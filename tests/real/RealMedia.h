@@ -17,6 +17,10 @@ namespace test {
 /// theirs.
 [[nodiscard]] std::vector<std::string> waveFiles();
 
+/// Files with sound, of all containers and codecs that our script makes; where there are real media, those
+/// of their folder `audio`, and those of `video`, of which some have none.
+[[nodiscard]] std::vector<std::string> soundFiles();
+
 /// A few clips, small ones of as many codecs as there are, to be read at random.
 [[nodiscard]] std::vector<std::string> smallClips();
 
@@ -24,11 +28,12 @@ namespace test {
 /// shows none.
 [[nodiscard]] std::vector<std::string> shownFrames(std::string const& path);
 
-/// All samples of a file's first sound stream, of all channels as they lie beside each other, as the program
-/// `ffmpeg` decodes them; empty if it can't.
+/// All samples of one of a file's sound streams, of all channels as they lie beside each other, as the
+/// program `ffmpeg` decodes them; empty if it can't.
 ///
 /// @param form  "s16le", "f32le" and so on
-[[nodiscard]] std::string decodedSamples(std::string const& path, std::string const& form);
+[[nodiscard]] std::string decodedSamples(std::string const& path, std::string const& form,
+                                         std::uint32_t stream = 0);
 
 /// What the program `ffprobe` shows under a key of a file's texts, without blanks at its end.
 [[nodiscard]] std::string shownTag(std::string const& path, std::string const& key);

@@ -1,0 +1,381 @@
+/// How reads of an open file are served: by frames, once a packet, ahead in order, and no further at random.
+#include "plugins/ffmpeg/SoundServer.h"
+
+#include <gtest/gtest.h>
+
+#include "playfile/Counters.h"
+#include "plugins/ffmpeg/Bundle.h"
+#include "plugins/ffmpeg/FFmpegAudioDecoder.h"
+#include "plugins/ffmpeg/FFmpegReader.h"
+#include "plugins/ffmpeg/FFmpegSoundReader.h"
+#include "plugins/ffmpeg/SoundConfiguration.h"
+#include "tests/fakes/LogRecorder.h"
+#include "tests/fakes/RecordingIssuer.h"
+#include "tests/plugins_ffmpeg/Media.h"
+#include "toolkit/plugins/AudioDecoderInfo.h"
+#include "video/VideoReadRequest.h"
+
+namespace test {
+namespace {
+
+using namespace playfile_ffmpeg;
+using RequestPtr = Ox::Ptr<AudioReadRequest>;
+
+void registerDecoder() {
+    static bool const isAdded = Ox::AudioDecoderInfo::add(Ox::makePtr<FFmpegAudioDecoderInfo>(), 100);
+    ASSERT_TRUE(isAdded);
+}
+
+/// A medium that is open for its sound, and read on the test's own thread.
+class SoundServerTest : public ::testing::Test {
+protected:
+    SoundServerTest() { registerDecoder(); }
+
+    void open(std::string const& name) {
+        std::string error;
+        reader_ =
+            FFmpegSoundReader::open(fromUTF8(medium(name).c_str()), DecodeFormat(), OpenType::audio, error);
+        ASSERT_TRUE(reader_) << error;
+    }
+    /// @param fetch  samples that the library would fetch; 0 for `count`
+    RequestPtr read(std::uint64_t start, std::uint32_t count, std::uint32_t fetch = 0,
+                    std::uint32_t stream = 0) {
+        Ox::Ptr<FileReadInstance> file = reader_;
+        AudioRequest wanted;
+        wanted.stream = stream;
+        wanted.startSample = start;
+        wanted.numSamples = count;
+        RequestPtr request =
+            Ox::makePtr<AudioReadRequest>(file, wanted, fetch != 0 ? fetch : count, issuer_.getProxy());
+        reader_->readAudio(request);
+        return request;
+    }
+    [[nodiscard]] std::uint64_t sampleCount() const { return reader_->metadata->audioSampleCount; }
+    [[nodiscard]] static std::string bytesOf(AudioReadRequest const& request, std::uint32_t samples) {
+        std::uint32_t const bytes = samples * request.getAudioMetadata()[request.stream].bytesPerSample;
+        return {static_cast<char const*>(request.getBuffer()), std::min(bytes, request.getUsed())};
+    }
+    [[nodiscard]] static std::uint32_t samplesOf(AudioReadRequest const& request) {
+        return request.getUsed() / request.getAudioMetadata()[request.stream].bytesPerSample;
+    }
+    [[nodiscard]] static std::uint64_t streamReads() { return playFileCounters().audioStreamReads.load(); }
+
+    Ox::Ptr<FFmpegSoundReader> reader_;
+    RecordingIssuer issuer_;
+};
+
+TEST_F(SoundServerTest, DescribesAllStreams) {
+    open("music-two-streams.mov");
+    auto const& streams = reader_->metadata->audioStreams;
+    ASSERT_EQ(streams.size(), 2U);
+    EXPECT_EQ(streams[0].codec.str(), "pcm_s16le");
+    EXPECT_EQ(streams[0].sampleFormat, std::uint32_t{Aud::sampleS16});
+    EXPECT_FALSE(streams[0].isCompressed);
+    EXPECT_EQ(streams[1].codec.str(), "aac");
+    EXPECT_EQ(streams[1].samplesPerCodecFrame, 1024U);
+    EXPECT_TRUE(streams[1].isCompressed);
+}
+
+TEST_F(SoundServerTest, CountsStreamsAndSamples) {
+    open("music-two-streams.mov");
+    EXPECT_EQ(reader_->metadata->audioInfoCount, 2U);
+    EXPECT_EQ(reader_->metadata->audioSampleCount, 240000U);
+}
+
+TEST_F(SoundServerTest, TellsWhatHasTheFileOpen) {
+    open("music.opus");
+    EXPECT_EQ(reader_->getDescription().str(), "opus in ogg");
+}
+
+TEST_F(SoundServerTest, ReadsStoredSamplesFromAnySample) {
+    open("music-s16.mov");
+    RequestPtr const whole = read(0, 5000);
+    RequestPtr const part = read(1234, 100);
+    EXPECT_EQ(bytesOf(*part, 100), bytesOf(*whole, 5000).substr(2468, 200));
+}
+
+TEST_F(SoundServerTest, ReadsCodedSamplesFromAnySample) {
+    open("music-aac.mp4");
+    RequestPtr const whole = read(0, 90'000);
+    RequestPtr const part = read(81'234, 100);
+    EXPECT_EQ(bytesOf(*part, 100), bytesOf(*whole, 90'000).substr(81'234 * 4, 400));
+}
+
+TEST_F(SoundServerTest, TellsTheIssuerWithTheStatusSet) {
+    open("music-aac.mp4");
+    static_cast<void>(read(0, 100));
+    EXPECT_EQ(issuer_.only().status, requestComplete);
+}
+
+TEST_F(SoundServerTest, GivesAsManySamplesAsAreAskedForWhereAReadBeginsInAFrame) {
+    open("music-aac.mp4");
+    EXPECT_GE(samplesOf(*read(50'000, 5000)), 5000U);
+}
+
+TEST_F(SoundServerTest, GivesTheWholeEndWhereTheReadIsClippedThere) {
+    open("music-aac.mp4");
+    for (std::uint32_t left = 1; left < 3000; left += 97) {
+        ASSERT_EQ(samplesOf(*read(sampleCount() - left, left)), left);
+    }
+}
+
+TEST_F(SoundServerTest, GivesStoredSamplesUpToTheEnd) {
+    open("music-s16.mov");
+    RequestPtr const request = read(sampleCount() - 10, 100);
+    EXPECT_EQ(request->getRequestStatus(), requestComplete);
+    EXPECT_EQ(samplesOf(*request), 10U);
+}
+
+TEST_F(SoundServerTest, CompletesAReadBehindTheEndOfAShorterStreamWithoutSamples) {
+    open("music-two-streams.mov");
+    RequestPtr const request = read(230'000, 100, 0, 1);
+    EXPECT_EQ(request->getRequestStatus(), requestComplete);
+    EXPECT_EQ(request->getUsed(), 0U);
+    EXPECT_EQ(issuer_.only().status, requestComplete);
+}
+
+TEST_F(SoundServerTest, GivesWhatThereIsOfAReadOverTheEndOfAShorterStream) {
+    open("music-two-streams.mov");
+    std::string error;
+    auto const file = SoundFile::open(medium("music-two-streams.mov"), error);
+    auto const left = static_cast<std::uint32_t>(file->tracks()[1].sampleCount() - 220'000);
+    RequestPtr const request = read(220'000, 10'000, 0, 1);
+    EXPECT_EQ(request->getRequestStatus(), requestComplete);
+    EXPECT_EQ(samplesOf(*request), left);
+}
+
+TEST_F(SoundServerTest, DecodesNoMoreThanIsAskedForAfterAJump) {
+    open("music-aac.mp4");
+    EXPECT_LE(samplesOf(*read(50'000, 4096, 16384)), 4096U + 1024U);
+}
+
+TEST_F(SoundServerTest, DecodesAsFarAsTheLibraryAsksWhereItGoesOn) {
+    open("music-aac.mp4");
+    static_cast<void>(read(0, 4096, 16384));
+    EXPECT_GE(samplesOf(*read(4096, 4096, 16384)), 16384U - 1024U);
+}
+
+TEST_F(SoundServerTest, DecodesSomeBlocksAheadWhereItGoesOn) {
+    open("music-aac.mp4");
+    static_cast<void>(read(0, 1920));
+    static_cast<void>(read(1920, 1920));
+    std::uint64_t const before = streamReads();
+    static_cast<void>(read(3840, 1920));
+    static_cast<void>(read(5760, 1920));
+    EXPECT_EQ(streamReads(), before);
+}
+
+TEST_F(SoundServerTest, GivesTheSameWhenItComesBackToTheStart) {
+    open("music-aac.mp4");
+    std::string const first = bytesOf(*read(0, 4096), 4096);
+    static_cast<void>(read(100'000, 4096));
+    EXPECT_EQ(bytesOf(*read(0, 4096), 4096), first);
+}
+
+/// Frames and packets as the library's part sees them.
+class SoundServerFrames : public SoundServerTest {
+protected:
+    void openFrames(std::string const& name) {
+        std::string error;
+        server_ = std::make_unique<SoundServer>(streams_, SoundFile::open(medium(name), error));
+    }
+    OxResult readFrame(std::uint64_t frame) {
+        packet_ = Ox::makePtr<ByteBufferImpl>(0U);
+        unsigned int samplesRead = 0;
+        unsigned int skipStart = 0;
+        unsigned int skipEnd = 0;
+        OxResult const result =
+            server_->readAudioSamples(0, frame, 1, packet_, samplesRead, skipStart, skipEnd);
+        EXPECT_EQ(skipStart + skipEnd, 0U);
+        return result;
+    }
+    [[nodiscard]] std::int64_t frameSamples() const {
+        Bundle bundle;
+        EXPECT_TRUE(
+            readBundle({static_cast<std::uint8_t const*>(packet_->getBuffer()), packet_->getUsed()}, bundle));
+        return bundle.runs.front().count;
+    }
+    /// 240640 samples are 235 frames of 1024.
+    static constexpr std::uint64_t framesOfAac = 235;
+
+    std::vector<Aud::Metadata> streams_;
+    std::unique_ptr<SoundServer> server_;
+    Ox::Ptr<ByteBufferImpl> packet_;
+};
+
+TEST_F(SoundServerFrames, AreReadByTheirNumber) {
+    openFrames("music-aac.mp4");
+    ASSERT_EQ(readFrame(17), oxSuccess);
+    EXPECT_EQ(frameSamples(), 1024);
+}
+
+TEST_F(SoundServerFrames, EndWithAShorterOne) {
+    openFrames("music-32k.mp3");
+    ASSERT_EQ(readFrame(220500 / 1152), oxSuccess);
+    EXPECT_EQ(frameSamples(), 220500 % 1152);
+}
+
+TEST_F(SoundServerFrames, AreFollowedByNoMorePackets) {
+    openFrames("music-aac.mp4");
+    EXPECT_EQ(readFrame(framesOfAac - 1), oxSuccess);
+    EXPECT_EQ(readFrame(framesOfAac), oxNoMorePackets);
+    EXPECT_EQ(readFrame(1'000'000), oxNoMorePackets);
+}
+
+TEST_F(SoundServerFrames, AreNotReadByVideoSamples) {
+    openFrames("music-aac.mp4");
+    EXPECT_FALSE(server_->readsByVideoSamples());
+}
+
+TEST_F(SoundServerFrames, AreAppendedToWhatTheBufferHolds) {
+    openFrames("music-s16.mov");
+    packet_ = Ox::makePtr<ByteBufferImpl>(0U);
+    packet_->append("abcd", 4);
+    unsigned int samplesRead = 0;
+    unsigned int unused = 0;
+    ASSERT_EQ(server_->readAudioSamples(0, 0, 3, packet_, samplesRead, unused, unused), oxSuccess);
+    EXPECT_EQ(samplesRead, 3U);
+    EXPECT_EQ(packet_->getUsed(), 4U + 12U);
+}
+
+TEST_F(SoundServerFrames, OfStoredSamplesEndWithTheData) {
+    openFrames("music-s16.mov");
+    packet_ = Ox::makePtr<ByteBufferImpl>(0U);
+    unsigned int samplesRead = 0;
+    unsigned int unused = 0;
+    EXPECT_EQ(server_->readAudioSamples(0, 239'999, 3, packet_, samplesRead, unused, unused), oxEndOfData);
+    EXPECT_EQ(samplesRead, 1U);
+}
+
+/// The decoder as the library's registry hands it out.
+class FFmpegAudioDecoderTest : public SoundServerFrames {
+protected:
+    FFmpegAudioDecoderTest() {
+        std::string error;
+        file_ = SoundFile::open(medium("music-aac.mp4"), error);
+        SoundTrack const& track = file_->tracks()[0];
+        instance_ = info_.makeInstance({}, Ox::makePtr<SoundConfiguration>(*track.parameters, track.form));
+        openFrames("music-aac.mp4");
+    }
+    /// What a frame gives on both channels, behind what was there.
+    std::string decode(std::uint64_t frame) {
+        Aud::StreamBufferList list;
+        Ox::AudioReader::createOutputBuffers(1, instance_->metadata, list);
+        EXPECT_EQ(readFrame(frame), oxSuccess);
+        unsigned int decoded = 0;
+        EXPECT_EQ(instance_->decodeAudioStream(list, 1024, packet_, decoded, 0, 0),
+                  Ox::AudioCodecInstance::good);
+        EXPECT_EQ(decoded, 1024U);
+        return {static_cast<char const*>(list[1].getBuffer()), list[1].getUsed()};
+    }
+
+    FFmpegAudioDecoderInfo info_;
+    std::unique_ptr<SoundFile> file_;
+    Ox::Ptr<Ox::AudioCodecInstance> instance_;
+};
+
+TEST_F(FFmpegAudioDecoderTest, IsReadyAndTellsItsForm) {
+    ASSERT_TRUE(instance_);
+    EXPECT_EQ(instance_->status, Ox::AudioCodecInstance::ready);
+    EXPECT_EQ(instance_->metadata.sampleFormat, std::uint32_t{Aud::sampleF32});
+    EXPECT_EQ(instance_->metadata.samplesPerCodecFrame, 1024U);
+    EXPECT_TRUE(instance_->decodesToStreams());
+}
+
+TEST_F(FFmpegAudioDecoderTest, WantsNoFramesBeforeAPosition) {
+    EXPECT_EQ(instance_->getPreRollFrames(), 0U);
+}
+
+TEST_F(FFmpegAudioDecoderTest, GivesTheSameWhenTheFirstFrameIsFedTwice) {
+    std::string const first = decode(0);
+    EXPECT_EQ(decode(0), first);
+}
+
+TEST_F(FFmpegAudioDecoderTest, GivesTheSameAfterAReset) {
+    std::string const first = decode(0);
+    static_cast<void>(decode(1));
+    instance_->resetToStart();
+    EXPECT_EQ(decode(0), first);
+}
+
+TEST_F(FFmpegAudioDecoderTest, GivesAFrameAgainThatItHasJustGiven) {
+    static_cast<void>(decode(20));
+    std::string const inOrder = decode(21);
+    EXPECT_EQ(decode(21), inOrder);
+}
+
+TEST_F(FFmpegAudioDecoderTest, RefusesWhatIsNoBundle) {
+    Aud::StreamBufferList list;
+    Ox::AudioReader::createOutputBuffers(1, instance_->metadata, list);
+    auto packet = Ox::makePtr<ByteBufferImpl>(0U);
+    packet->append("nonsense", 8);
+    unsigned int decoded = 0;
+    EXPECT_EQ(instance_->decodeAudioStream(list, 1024, packet, decoded, 0, 0),
+              Ox::AudioCodecInstance::needsMore);
+    EXPECT_EQ(decoded, 0U);
+    EXPECT_EQ(list[0].getUsed(), 0U);
+}
+
+TEST_F(FFmpegAudioDecoderTest, IsOnlyMadeForStreamsThatWereOpenedHere) {
+    Ox::Ptr<iMemHolder> const other = Ox::makePtr<ByteBufferImpl>(16U);
+    EXPECT_FALSE(info_.canDecode({}, other));
+    EXPECT_FALSE(info_.canDecode({}, {}));
+    EXPECT_FALSE(info_.makeInstance({}, other));
+}
+
+TEST_F(FFmpegAudioDecoderTest, TakesTheCodecsPartOfTheHeaderForItsConfiguration) {
+    SoundTrack const& track = file_->tracks()[0];
+    Ox::Ptr<iMemHolder> const configuration = Ox::makePtr<SoundConfiguration>(*track.parameters, track.form);
+    EXPECT_TRUE(info_.canDecode({}, configuration));
+    EXPECT_EQ(configuration->getUsed(), static_cast<std::uint32_t>(track.parameters->extradata_size));
+}
+
+/// A file that is opened for both.
+class FFmpegReaderOfBoth : public SoundServerTest {
+protected:
+    void openBoth(std::string const& name) {
+        std::string error;
+        both_ = FFmpegReader::open(fromUTF8(medium(name).c_str()), DecodeFormat(), OpenType::both, error);
+        ASSERT_TRUE(both_) << error;
+    }
+
+    Ox::Ptr<FFmpegReader> both_;
+};
+
+TEST_F(FFmpegReaderOfBoth, ReadsItsPictures) {
+    openBoth("prores-422-pcm.mov");
+    Ox::Ptr<FileReadInstance> file = both_;
+    Ox::Ptr<IndexInfoRep> none;
+    auto request = Ox::makePtr<VideoReadRequest>(file, none, 5U, resultDecompressed, DecodeFormat(),
+                                                 Ox::Ptr<ReadRequestIssuer::Proxy>());
+    Ox::Ptr<FrameBufferRep> buffer;
+    EXPECT_EQ(both_->readVideo(buffer, request), FileReadInstance::frameRead);
+}
+
+TEST_F(FFmpegReaderOfBoth, ReadsItsSound) {
+    openBoth("prores-422-pcm.mov");
+    open("prores-422-pcm.mov");
+    std::string const alone = bytesOf(*read(1000, 100), 100);
+    Ox::Ptr<FileReadInstance> file = both_;
+    AudioRequest wanted;
+    wanted.startSample = 1000;
+    wanted.numSamples = 100;
+    RequestPtr request = Ox::makePtr<AudioReadRequest>(file, wanted, 100U, issuer_.getProxy());
+    both_->readAudio(request);
+    EXPECT_EQ(bytesOf(*request, 100), alone);
+}
+
+TEST_F(FFmpegReaderOfBoth, DescribesBoth) {
+    openBoth("prores-422-pcm.mov");
+    EXPECT_EQ(both_->metadata->videoSampleCount, 50U);
+    EXPECT_EQ(both_->metadata->audioSampleCount, 96000U);
+    EXPECT_EQ(both_->metadata->audioInfoCount, 1U);
+}
+
+TEST_F(FFmpegReaderOfBoth, HasNoSoundToServeWhereThereIsNone) {
+    openBoth("h264-one-frame.mp4");
+    EXPECT_EQ(both_->metadata->audioInfoCount, 0U);
+}
+
+}  // namespace
+}  // namespace test
