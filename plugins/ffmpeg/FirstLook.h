@@ -25,7 +25,6 @@ public:
     /// The samples that come behind those of the last packet that was taken.
     uint32_t drain();
 
-    bool hasDecoder() const { return decoder_ != nullptr; }
     /// As the first frame was, or as the container and the codec state it if there is none yet.
     SoundForm const& form() const { return form_; }
     /// Of the first packet that gave any; 0 if none has.

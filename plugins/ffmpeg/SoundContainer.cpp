@@ -123,12 +123,6 @@ void SoundContainer::keepOnly(AVStream const& stream) {
     }
 }
 
-void SoundContainer::keepAll() {
-    for (AVStream* stream : streams_) {
-        stream->discard = AVDISCARD_DEFAULT;
-    }
-}
-
 int SoundContainer::readPacket(AVPacket& packet) {
     deadline_.arm();
     for (int foreign = 0; foreign < mostForeignPackets; ++foreign) {

@@ -24,9 +24,8 @@ public:
     /// True if there is a video stream that is more than a cover picture.
     bool hasPicture() const;
 
-    /// From now on only packets of this stream come, or of all streams of sound again.
+    /// From now on only packets of this stream come.
     void keepOnly(AVStream const& stream);
-    void keepAll();
 
     /// Reads the next packet of the streams that are kept; a code of FFmpeg below 0 at the end.
     int readPacket(AVPacket& packet);
