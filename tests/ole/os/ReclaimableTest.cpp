@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
@@ -108,8 +109,23 @@ TEST(Reclaimable, AsksWhileAMemberIsHeldUpOnAnotherThread) {
     EXPECT_TRUE(another.calls.empty());
 }
 
+/// A member that two threads may ask at once.
+class SharedMember final : public Reclaimable {
+public:
+    explicit SharedMember(std::atomic<int>& calls) : calls_(calls) { enrol(); }
+    ~SharedMember() override { withdraw(); }
+
+    void purge() override { ++calls_; }
+    void limitUsage() override { ++calls_; }
+    void reportUsage() override { ++calls_; }
+
+private:
+    std::atomic<int>& calls_;
+};
+
 TEST(Reclaimable, MembersComeAndGoWhileAllAreAsked) {
     std::atomic<int> rounds{0};
+    std::atomic<int> calls{0};
     {
         Threads const asking(2, [&] {
             while (rounds < 2000) {
@@ -118,10 +134,12 @@ TEST(Reclaimable, MembersComeAndGoWhileAllAreAsked) {
             }
         });
         while (++rounds < 2000) {
-            Member const member;
+            SharedMember const member(calls);
         }
     }
-    EXPECT_EQ(2000, rounds);
+    int const callsOfThoseThatLived = calls;
+    Reclaimable::limitAll();
+    EXPECT_EQ(callsOfThoseThatLived, calls);
 }
 
 }  // namespace
