@@ -48,7 +48,13 @@ bring_one() {
     echo "made $dir/$1"
 }
 
-# bring_media DIR [NAME...]: what isn't there or is older than the script; without names everything.
+# must_make NAME: true if it isn't there, or is older than the script, unless that sets $keeps_what_is_there.
+must_make() {
+    [ -e "$dir/$1" ] || return 0
+    [ -z "${keeps_what_is_there:-}" ] && [ ! "$dir/$1" -nt "$script" ]
+}
+
+# bring_media DIR [NAME...]: what must be made; without names everything.
 bring_media() {
     begin_media "$@"
     shift
@@ -59,7 +65,7 @@ bring_media() {
             echo "$program: no medium is called '$name'; there are:" $all >&2
             exit 2
         fi
-        if [ ! -e "$dir/$name" ] || [ ! "$dir/$name" -nt "$script" ]; then
+        if must_make "$name"; then
             bring_one "$name"
         fi
     done
