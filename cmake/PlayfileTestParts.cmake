@@ -9,7 +9,7 @@ else()
     set(scope INTERFACE)
 endif()
 target_link_libraries(playfile_test_support ${scope}
-    playfile_options GTest::gtest_main GTest::gmock Threads::Threads)
+    playfile_options GTest::gtest GTest::gmock Threads::Threads)
 foreach(library playfile playfile_host playfile_store)
     if(TARGET ${library})
         target_link_libraries(playfile_test_support ${scope} ${library})

@@ -73,8 +73,11 @@ Ox::Ptr<FFmpegReader> FFmpegReader::open(LightweightString<wchar_t> const& name,
 /// A file that is opened for both, but has no sound that can be read, says so by having no streams of it.
 FFmpegReader::FFmpegReader(LightweightString<wchar_t> const& name, DecodeFormat const& format, OpenType type,
                            std::unique_ptr<FrameFetcher> fetcher, std::unique_ptr<SoundFile> sound)
-    : FileReadInstance(name, format, type), fetcher_(std::move(fetcher)) {
+    : FileReadInstance(name, format, type),
+      fetcher_(std::move(fetcher)),
+      frameRateMap_(FrameRateMap::of(fetcher_->index(), fetcher_->facts())) {
     describe(*fetcher_, *metadata);
+    describeDurations(*fetcher_, frameRateMap_.get(), *metadata);
     if (sound) {
         sound_ = std::make_unique<SoundServer>(metadata->audioStreams, std::move(sound));
         countSound(sound_->file(), *metadata);
@@ -83,10 +86,9 @@ FFmpegReader::FFmpegReader(LightweightString<wchar_t> const& name, DecodeFormat 
     }
 }
 
-/// A file of one frame shows that one whatever the number.
 unsigned int FFmpegReader::readVideo(Ox::Ptr<FrameBufferRep>& buffer, Ox::Ptr<VideoReadRequest>& request) {
     try {
-        std::uint32_t const frame = fetcher_->frameCount() == 1 ? 0 : request->frame;
+        std::uint32_t const frame = storedFrame(request->frame);
         PicturePtr const picture = pictureFor(*request, frame);
         if (!picture) {
             return noFrame;
@@ -99,6 +101,14 @@ unsigned int FFmpegReader::readVideo(Ox::Ptr<FrameBufferRep>& buffer, Ox::Ptr<Vi
         Log("FFmpeg: \"%ls\", frame %u: %s\n", filename.c_str(), request->frame, exception.what());
         return noFrame;
     }
+}
+
+/// A file of one frame shows that one whatever the number.
+std::uint32_t FFmpegReader::storedFrame(std::uint32_t frame) const {
+    if (fetcher_->frameCount() == 1) {
+        return 0;
+    }
+    return frameRateMap_ ? frameRateMap_->storedFrame(frame) : frame;
 }
 
 void FFmpegReader::readAudio(Ox::Ptr<AudioReadRequest>& request) {

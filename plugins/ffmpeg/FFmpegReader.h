@@ -5,6 +5,7 @@
 
 #include "files/FileReadInstance.h"
 #include "plugins/ffmpeg/FrameFetcher.h"
+#include "plugins/ffmpeg/FrameRateMap.h"
 #include "plugins/ffmpeg/PictureConverter.h"
 #include "plugins/ffmpeg/SoundServer.h"
 
@@ -15,6 +16,9 @@ namespace playfile_ffmpeg {
 /// A request for the file's own size and format gets the decoder's memory, uncopied; any other is
 /// converted. A member of the request that isn't stated is the file's own; if only one of width and
 /// height is stated, the other keeps the picture's proportions. The surface says what was delivered.
+///
+/// Frames are numbered as they are stored; in a file of varying rate, those of a time line of a constant one
+/// (`FrameRateMap`).
 ///
 /// Threads  `readVideo`, `readAudio`: the thread of their queue. The decode options: any thread, they
 ///          count for the reads after.
@@ -45,7 +49,12 @@ public:
 private:
     [[nodiscard]] PicturePtr pictureFor(DecodeFormat const& wanted, std::uint32_t frame);
 
+    /// The number in the file of the frame that is meant.
+    [[nodiscard]] std::uint32_t storedFrame(std::uint32_t frame) const;
+
     std::unique_ptr<FrameFetcher> const fetcher_;
+    /// Empty where the numbers of frames are those of the stored ones.
+    std::unique_ptr<FrameRateMap> const frameRateMap_;
     /// Empty in a file that is opened for its video alone.
     std::unique_ptr<SoundServer> sound_;
     /// The queue's thread only.

@@ -139,6 +139,30 @@ void describe(FrameFetcher const& fetcher, PlayFileMetadataRep& metadata) {
         EditLabel(LightweightString<char>(facts.reel), LightweightString<char>(facts.startTimecode));
 }
 
+void describeDurations(FrameFetcher const& fetcher, FrameRateMap const* map, PlayFileMetadataRep& metadata) {
+    FrameIndex const& index = fetcher.index();
+    if (index.frameCount() < 2 || !hasAllTimes(index)) {
+        return;
+    }
+    StreamFacts const& facts = fetcher.facts();
+    auto const durations = FrameDurations::of(index, facts.timeBase, facts.endTime);
+    std::string text;
+    for (DurationCount const& count : histogramOf(durations)) {
+        text +=
+            (text.empty() ? "" : ", ") + secondsText(count.seconds) + " x " + std::to_string(count.frames);
+    }
+    configb& config = metadata.extraConfig;
+    set(config, "frameDurations", text);
+    if (!facts.hasConstantRate) {
+        double const scale = durations.timeScale;
+        set(config, "duration", secondsText(static_cast<double>(durations.total()) / scale));
+    }
+    if (map != nullptr) {
+        metadata.frameRateMap = map->handler();
+        set(config, "timelineFrames", std::to_string(map->timelineCount()));
+    }
+}
+
 void describe(SoundFile const& file, PlayFileMetadataRep& metadata) {
     StreamFacts const& facts = file.facts();
     configb& config = metadata.extraConfig;

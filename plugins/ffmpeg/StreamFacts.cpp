@@ -1,6 +1,9 @@
 #include "plugins/ffmpeg/StreamFacts.h"
 
 #include <array>
+#include <cmath>
+
+#include "plugins/ffmpeg/FrameDurations.h"
 
 extern "C" {
 #include <libavutil/display.h>
@@ -111,29 +114,51 @@ bool fits(AVRational rate, AVRational timeBase, FrameIndex const& index) {
     return true;
 }
 
+constexpr std::array<AVRational, 13> usualRates = {{{24000, 1001},
+                                                    {24, 1},
+                                                    {25, 1},
+                                                    {30000, 1001},
+                                                    {30, 1},
+                                                    {48, 1},
+                                                    {50, 1},
+                                                    {60000, 1001},
+                                                    {60, 1},
+                                                    {15, 1},
+                                                    {15000, 1001},
+                                                    {12, 1},
+                                                    {10, 1}}};
+
 AVRational constantRate(AVRational timeBase, FrameIndex const& index, AVRational stated) {
     if (isUsable(stated) && fits(stated, timeBase, index)) {
         return stated;
     }
-    static constexpr std::array<AVRational, 13> usual = {{{24000, 1001},
-                                                          {24, 1},
-                                                          {25, 1},
-                                                          {30000, 1001},
-                                                          {30, 1},
-                                                          {48, 1},
-                                                          {50, 1},
-                                                          {60000, 1001},
-                                                          {60, 1},
-                                                          {15, 1},
-                                                          {15000, 1001},
-                                                          {12, 1},
-                                                          {10, 1}}};
-    for (AVRational const rate : usual) {
+    for (AVRational const rate : usualRates) {
         if (fits(rate, timeBase, index)) {
             return rate;
         }
     }
     return {0, 1};
+}
+
+/// The rate of a time line for frames of varying length: a usual one near that of most frames, else that.
+/// Where most frames are too long or too short for a rate, as slides are, it is that of most screens.
+AVRational timelineRate(AVRational timeBase, FrameIndex const& index) {
+    constexpr double farthest = 0.05;
+    constexpr double slowest = 9.5;
+    AVRational rate = exactRate(timeBase, 1, std::max<int64_t>(usualGap(index), 1));
+    double const wanted = av_q2d(rate);
+    if (!isUsable(rate) || wanted < slowest) {
+        return {30, 1};
+    }
+    double nearest = farthest;
+    for (AVRational const usual : usualRates) {
+        double const distance = std::abs(av_q2d(usual) / wanted - 1.0);
+        if (distance < nearest) {
+            nearest = distance;
+            rate = usual;
+        }
+    }
+    return rate;
 }
 
 void setConstant(StreamFacts& facts, AVRational rate) {
@@ -153,6 +178,9 @@ StreamFacts factsOf(AVFormatContext const& format, AVStream const& video) {
     facts.width = parameters.width;
     facts.height = parameters.height;
     facts.timeBase = video.time_base;
+    if (video.start_time != AV_NOPTS_VALUE && video.duration > 0) {
+        facts.endTime = av_sat_add64(video.start_time, video.duration);
+    }
     facts.fieldOrder = parameters.field_order;
     facts.bitRate = parameters.bit_rate > 0 ? parameters.bit_rate : format.bit_rate;
     facts.colour = {parameters.color_primaries, parameters.color_trc, parameters.color_space,
@@ -226,8 +254,7 @@ void measureRates(StreamFacts& facts, FrameIndex const& index, AVRational stated
         return;
     }
     facts.hasConstantRate = false;
-    facts.frameRate =
-        exactRate(facts.timeBase, count - 1, av_sat_sub64(index.ptsOf(count - 1), index.ptsOf(0)));
+    facts.frameRate = timelineRate(facts.timeBase, index);
     facts.lowestRate = exactRate(facts.timeBase, 1, gaps.longest);
     facts.highestRate = exactRate(facts.timeBase, 1, std::max<int64_t>(gaps.shortest, 1));
 }

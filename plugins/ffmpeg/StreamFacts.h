@@ -51,10 +51,11 @@ struct StreamFacts {
     int height = 0;
     AVRational sampleAspect{1, 1};
     AVRational timeBase{1, 1};
-    AVRational frameRate{25, 1};
+    AVRational frameRate{25, 1};    ///< Of a varying one that of most frames, a usual one if that is near.
     AVRational lowestRate{25, 1};   ///< Of the longest gap between two frames.
     AVRational highestRate{25, 1};  ///< Of the shortest.
     bool hasConstantRate = true;
+    int64_t endTime = AV_NOPTS_VALUE;  ///< Where the last frame ends, if the container says so.
     AVFieldOrder fieldOrder = AV_FIELD_UNKNOWN;
     ColourFacts colour;
     int orientation = 1;  ///< 1 upright; 2..8 mirrored and turned as in EXIF.

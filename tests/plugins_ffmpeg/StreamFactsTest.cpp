@@ -9,6 +9,8 @@ extern "C" {
 #include <libavutil/display.h>
 }
 
+#include "tests/plugins_ffmpeg/FramesAt.h"
+
 namespace test {
 namespace {
 
@@ -62,18 +64,6 @@ TEST_F(StreamTags, GiveTheReelInTheSameOrder) {
     EXPECT_EQ(factsOf(*format_, *video_).reel, "file");
 }
 
-/// Frames at these times.
-FrameIndex framesAt(std::vector<int64_t> const& times) {
-    std::vector<PacketEntry> packets;
-    for (int64_t const time : times) {
-        PacketEntry packet;
-        packet.pts = time;
-        packet.frame = static_cast<int32_t>(packets.size());
-        packets.push_back(packet);
-    }
-    return FrameIndex(std::move(packets));
-}
-
 StreamFacts ratesOf(std::vector<int64_t> const& times, AVRational timeBase, AVRational stated = {0, 1},
                     bool timesAreExact = true) {
     StreamFacts facts;
@@ -104,10 +94,22 @@ TEST(FrameRate, IsTheStatedOneIfAllTimesFitIt) {
     EXPECT_EQ(textOf(ratesOf({0, 33, 67, 100, 133}, milliseconds, {30000, 1001}).frameRate), "30000/1001");
 }
 
-TEST(FrameRate, IsTheMeanOfTimesThatFitNoOne) {
+TEST(FrameRate, IsThatOfTheMiddleGapWhereTimesFitNoOne) {
     StreamFacts const facts = ratesOf({0, 10, 100, 150}, milliseconds);
     EXPECT_FALSE(facts.hasConstantRate);
     EXPECT_EQ(textOf(facts.frameRate), "20/1");
+}
+
+TEST(FrameRate, IsAUsualOneNearThatOfTheMiddleGap) {
+    EXPECT_EQ(textOf(ratesOf({0, 5, 38, 72, 400}, milliseconds).frameRate), "30/1");
+}
+
+TEST(FrameRate, IsThatOfScreensWhereFramesLastAsSlidesDo) {
+    EXPECT_EQ(textOf(ratesOf({0, 1000, 3000, 4000, 9000}, milliseconds).frameRate), "30/1");
+}
+
+TEST(FrameRate, IsThatOfScreensWhereTheMiddleGapIsTooShortForARate) {
+    EXPECT_EQ(textOf(ratesOf({0, 1, 2, 3, 90}, {1, 90000}).frameRate), "30/1");
 }
 
 TEST(FrameRate, HasTheBoundsOfItsGaps) {

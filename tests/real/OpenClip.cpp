@@ -4,6 +4,7 @@
 #include "host/memory/MemoryCatalogue.h"
 #include "ole/os/OS.h"
 #include "tests/real/Readers.h"
+#include "toolkit/services/Settings.h"
 #include "tools/playfile/Md5.h"
 #include "tools/playfile/SurfaceSum.h"
 #include "video/VideoReadRequest.h"
@@ -41,8 +42,9 @@ private:
 
 }  // namespace
 
-OpenClip::OpenClip(std::string const& path) : cookie_(Ox::UUID::generate(), 'V', 0) {
+OpenClip::OpenClip(std::string const& path, eNumbering numbering) : cookie_(Ox::UUID::generate(), 'V', 0) {
     loadReaders();
+    setConfigInt("useFrameRateMap", numbering == eNumbering::timeline ? 1 : 0);
     MemoryCatalogue::instance().add(cookie_, fromUTF8(path.c_str()));
     file_ = PlayFileCache::Shared()->open(cookie_, DecodeFormat::getDefault(), 0);
     if (file_) {

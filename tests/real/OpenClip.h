@@ -18,11 +18,15 @@ namespace test {
 /// Threads    Several may read at once.
 class OpenClip {
 public:
+    /// Which frames of a file of varying rate are counted.
+    enum class eNumbering { stored, timeline };
+
     /// Loads the plug-ins that were built, once in a process.
-    explicit OpenClip(std::string const& path);
+    explicit OpenClip(std::string const& path, eNumbering numbering = eNumbering::stored);
 
     /// False if the cache can't open it.
     [[nodiscard]] bool isOpen() const { return static_cast<bool>(file_); }
+    [[nodiscard]] PlayFileMetadataRep const& metadata() const { return *file_->metadata; }
     [[nodiscard]] std::uint32_t frameCount() const { return frameCount_; }
 
     /// The picture of a frame in the file's own size and format, or as `format` says; not valid if the

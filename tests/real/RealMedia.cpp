@@ -121,6 +121,22 @@ std::vector<std::string> shownFrames(std::string const& path) {
     return sums;
 }
 
+std::vector<double> shownTimes(std::string const& path) {
+    ChildProcess program("/usr/bin/ffprobe", {"-v", "quiet", "-select_streams", "v:0", "-show_entries",
+                                              "frame=best_effort_timestamp_time", "-of", "csv=p=0", path});
+    std::istringstream lines(program.waitForEnd().output);
+    std::vector<double> times;
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.empty()) {
+            times.push_back(std::stod(line));
+        }
+    }
+    for (std::size_t frame = times.size(); frame-- > 0;) {
+        times[frame] -= times.front();
+    }
+    return times;
+}
+
 std::string decodedSamples(std::string const& path, std::string const& form, std::uint32_t stream) {
     ChildProcess program("/usr/bin/ffmpeg",
                          {"-nostdin", "-v", "quiet", "-i", path, "-map", "0:a:" + std::to_string(stream),

@@ -28,6 +28,9 @@ namespace test {
 /// shows none.
 [[nodiscard]] std::vector<std::string> shownFrames(std::string const& path);
 
+/// When a file's frames are shown, in seconds from the first one, as the program `ffprobe` tells it.
+[[nodiscard]] std::vector<double> shownTimes(std::string const& path);
+
 /// All samples of one of a file's sound streams, of all channels as they lie beside each other, as the
 /// program `ffmpeg` decodes them; empty if it can't.
 ///

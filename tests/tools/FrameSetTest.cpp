@@ -35,6 +35,10 @@ TEST(FrameSet, SortsAndTakesEachFrameOnce) {
     EXPECT_THAT(resolve("8,3-5,4,3", 10), ElementsAre(3, 4, 5, 8));
 }
 
+TEST(FrameSet, TakesNumbersThatWereCounted) {
+    EXPECT_THAT(cli::FrameSet::of({7, 2, 7}).resolve(10, "clip.mov"), ElementsAre(2, 7));
+}
+
 TEST(FrameSet, NamesTheFrameThatTheFileLacks) {
     EXPECT_THAT(refusal("3,7-12", 10), HasSubstr("no frame 12; its frames are 0 to 9"));
 }

@@ -99,6 +99,49 @@ TEST_F(FramesCommand, AFileOfOneFrameHasItAtEveryNumber) {
     EXPECT_THAT(sums(file, {"--frames", "0,7"}), ElementsAre("0 " + sum, "7 " + sum));
 }
 
+/// Half a second at 25 frames a second, then every fifth frame only: 20 frames in 2 seconds.
+class VaryingClip : public FramesCommand {
+protected:
+    std::string const file_ =
+        makeClip("varying.mp4", {"-t", "2", "-vf", "select='lt(n,13)+not(mod(n,5))'", "-fps_mode", "vfr",
+                                 "-c:v", "libx264", "-pix_fmt", "yuv420p", "-threads", "2"});
+    std::vector<std::string> const linear_ = linearSums(file_);
+};
+
+TEST_F(VaryingClip, SamplesAreTheStoredFrames) {
+    EXPECT_EQ(sums(file_, {"--samples", "all"}), linear_);
+    EXPECT_THAT(sums(file_, {"--samples", "2-3"}), ElementsAre(linear_[2], linear_[3]));
+}
+
+TEST_F(VaryingClip, FramesAreThoseOfTheTimeLine) {
+    std::vector<std::string> const frames = sums(file_, {"--frames", "all"});
+    EXPECT_GT(frames.size(), linear_.size());
+    EXPECT_EQ(frames, sums(file_, {}));
+    EXPECT_EQ(frames[7], linear_[7]);
+    EXPECT_EQ(fieldsOf(frames[26]).back(), fieldsOf(linear_[15]).back());
+}
+
+TEST_F(VaryingClip, ATimeMeansTheFrameThatIsOnShowThen) {
+    EXPECT_THAT(sums(file_, {"--at", "0,0.28"}), ElementsAre(linear_[0], linear_[7]));
+    EXPECT_EQ(sums(file_, {"--at", "1.04"}), sums(file_, {"--frames", "26"}));
+}
+
+TEST_F(VaryingClip, ATimeBehindTheEndIsRefused) {
+    Ended const ended = run({"frames", file_, "--md5", "--at", "7"});
+    EXPECT_EQ(ended.exitCode, 1);
+    EXPECT_THAT(ended.err, HasSubstr("shows no frame at 7.000 s; it lasts "));
+}
+
+TEST_F(VaryingClip, OnlyOneWayToNameFramesIsTaken) {
+    EXPECT_EQ(run({"frames", file_, "--md5", "--frames", "1", "--samples", "1"}).exitCode, 2);
+    EXPECT_EQ(run({"frames", file_, "--md5", "--samples", "1", "--at", "1"}).exitCode, 2);
+}
+
+TEST_F(FramesCommand, SamplesOfAConstantRateAreItsFrames) {
+    std::string const file = makeH264Clip();
+    EXPECT_EQ(sums(file, {"--samples", "0-9"}), sums(file, {"--frames", "0-9"}));
+}
+
 TEST_F(FramesCommand, PacksEveryKindOfPlanes) {
     for (char const* const format : {"yuv420p", "yuv422p10le", "yuv444p", "gray", "gray16le", "gbrp", "rgb24",
                                      "bgra", "yuva420p", "yuv410p", "yuv444p12le", "gbrap"}) {

@@ -71,6 +71,26 @@ TEST_F(InfoCommand, TellsTheOrientation) {
     EXPECT_EQ(info(turned)["video"]["orientation"]["name"], "turn by 180 degrees");
 }
 
+TEST_F(InfoCommand, CountsTheFramesOfEachDuration) {
+    std::string const file =
+        makeClip("varying.mp4", {"-t", "2", "-vf", "select='lt(n,13)+not(mod(n,5))'", "-fps_mode", "vfr",
+                                 "-c:v", "libx264", "-pix_fmt", "yuv420p", "-threads", "2"});
+    json const durations = info(file)["video"]["frameDurations"];
+    ASSERT_EQ(durations.size(), 3U);
+    EXPECT_EQ(durations[0], (json{{"seconds", 0.04}, {"frames", 13}}));
+    EXPECT_EQ(durations[1]["seconds"], 0.12);
+    EXPECT_EQ(durations[2]["seconds"], 0.2);
+    EXPECT_THAT(run({"info", file}).out, HasSubstr("0.040000 s: 13 ######"));
+}
+
+TEST_F(InfoCommand, TellsWhichFrameIsOnShowAtATime) {
+    std::string const file = makeH264Clip();
+    Ended const ended = run({"info", file, "--json", "--at", "0.2"});
+    json const moment = json::parse(ended.out)["at"][0];
+    EXPECT_EQ(moment["frame"], 5);
+    EXPECT_EQ(moment["storedFrame"], 5);
+}
+
 TEST_F(InfoCommand, NamesTheReader) {
     json const reader = info(makeH264Clip())["reader"];
     EXPECT_FALSE(reader["name"].get<std::string>().empty());

@@ -8,6 +8,7 @@
 #include "tools/playfile/FrameFetcher.h"
 #include "tools/playfile/PictureSize.h"
 #include "tools/playfile/Progress.h"
+#include "tools/playfile/Timeline.h"
 
 namespace cli {
 namespace {
@@ -64,7 +65,7 @@ std::vector<std::uint32_t> spreadFrames(std::uint32_t frameCount, std::uint32_t 
 ContactSheet makeContactSheet(Clip const& clip, FileReadInstance const& file) {
     PlayFileMetadataRep const& metadata = *file.metadata;
     ContactSheet sheet;
-    sheet.frames = spreadFrames(metadata.videoSampleCount, mostPictures);
+    sheet.frames = spreadFrames(Timeline(metadata).frameCount(), mostPictures);
     PictureSize const cell = PictureSize::within(largestPicture, metadata);
     PictureSize const stored = cell.stored(metadata.orientation);
     Grid const grid(cell, sheet.frames.size());

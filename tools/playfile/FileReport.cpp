@@ -1,8 +1,11 @@
 #include "tools/playfile/FileReport.h"
 
+#include <sstream>
+
 #include "toolkit/image/Format.h"
 #include "toolkit/sound/SampleFormat.h"
 #include "tools/playfile/ColourNames.h"
+#include "tools/playfile/Timeline.h"
 
 namespace cli {
 namespace {
@@ -79,6 +82,29 @@ Json describeDecompression(VideoDecompressionInfo const& info) {
     return json;
 }
 
+/// The reader tells them as "SECONDS x FRAMES, SECONDS x FRAMES".
+Json describeDurations(PlayFileMetadataRep const& metadata) {
+    LightweightString<char> stated;
+    Json json = Json::array();
+    if (metadata.extraConfig.in("frameDurations", stated) != 0) {
+        return json;
+    }
+    std::istringstream text(stated.str());
+    double seconds = 0.0;
+    std::uint32_t frames = 0;
+    char times = ' ';
+    char comma = ',';
+    while (comma == ',' && text >> seconds >> times >> frames) {
+        Json bar;
+        bar["seconds"] = seconds;
+        bar["frames"] = frames;
+        json.push_back(bar);
+        comma = ' ';
+        text >> comma;
+    }
+    return json;
+}
+
 Json describeVideo(PlayFileMetadataRep const& metadata) {
     double const framesPerSecond = Ox::getFramesPerSecond(metadata.videoSequence.frameRate);
     Json json;
@@ -88,7 +114,10 @@ Json describeVideo(PlayFileMetadataRep const& metadata) {
     }
     json["frames"] = metadata.videoSampleCount;
     json["frameRate"] = describeRate(metadata);
-    json["seconds"] = framesPerSecond > 0.0 ? Json(metadata.videoSampleCount / framesPerSecond) : Json();
+    std::uint32_t const timelineFrames = Timeline(metadata).frameCount();
+    json["timelineFrames"] = timelineFrames;
+    json["seconds"] = framesPerSecond > 0.0 ? Json(timelineFrames / framesPerSecond) : Json();
+    json["frameDurations"] = describeDurations(metadata);
     json["picture"] = describePixels(metadata);
     json["pixelAspect"] = describeAspect(metadata.videoData);
     json["orientation"] = namedCode(metadata.orientation, orientationName(metadata.orientation));

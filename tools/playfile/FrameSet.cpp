@@ -7,15 +7,18 @@
 #include "tools/playfile/Text.h"
 
 namespace cli {
-namespace {
 
-constexpr NumberOption framesOption{"--frames", "frames", "use --order backward"};
-
-}  // namespace
-
-FrameSet FrameSet::parse(std::string const& text) {
+FrameSet FrameSet::parse(std::string const& text, char const* option) {
     FrameSet set;
-    set.ranges_ = parseNumberRanges(text, framesOption);
+    set.ranges_ = parseNumberRanges(text, {option, "frames", "use --order backward"});
+    return set;
+}
+
+FrameSet FrameSet::of(std::vector<std::uint32_t> const& frames) {
+    FrameSet set;
+    for (std::uint32_t const frame : frames) {
+        set.ranges_.push_back({frame, frame});
+    }
     return set;
 }
 

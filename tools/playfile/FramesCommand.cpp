@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "ole/os/OS.h"
+#include "toolkit/services/Settings.h"
 #include "tools/playfile/CommandError.h"
 #include "tools/playfile/FrameOrder.h"
 #include "tools/playfile/FrameSet.h"
@@ -13,6 +14,7 @@
 #include "tools/playfile/Progress.h"
 #include "tools/playfile/SurfaceSum.h"
 #include "tools/playfile/Text.h"
+#include "tools/playfile/Timeline.h"
 
 namespace cli {
 namespace {
@@ -74,8 +76,20 @@ FramesCommand::FramesCommand() : threads_(std::min(OS()->getProcessorCount(), ma
 void FramesCommand::declare(CLI::App& program) {
     command_ = program.add_subcommand("frames", "Reads frames: tells their sums or writes their pictures");
     command_->add_option("FILE", file_, "The media file")->required();
-    command_->add_option("--frames", frames_, "'all', or numbers and ranges from 0: '0,5,7-9'")
-        ->capture_default_str();
+    CLI::Option* const frames =
+        command_->add_option("--frames", frames_, "'all', or numbers and ranges from 0: '0,5,7-9'")
+            ->capture_default_str();
+    CLI::Option* const samples =
+        command_
+            ->add_option(
+                "--samples", samples_,
+                "The same for the stored frames, which in a file of varying rate aren't those of its "
+                "time line")
+            ->excludes(frames);
+    command_->add_option("--at", times_, "The frames on show at these seconds: '0,2.5'")
+        ->delimiter(',')
+        ->excludes(frames)
+        ->excludes(samples);
     command_
         ->add_option("--order", order_,
                      "'forward', 'backward', 'random:SEED' (each frame once before any comes again) or "
@@ -95,9 +109,13 @@ void FramesCommand::declare(CLI::App& program) {
     command_->add_option("--size", size_, "Size of the pictures, WIDTHxHEIGHT")->needs(out);
 }
 
+/// Readers look at the setting when they open a file.
 int FramesCommand::run(SessionOptions const& options) {
     Plan const plan = readPlan();
     Session session(options);
+    if (!samples_.empty()) {
+        setConfigInt("useFrameRateMap", 0);
+    }
     session.loadReaders();
     Clip const clip(session, file_);
     Ox::Ptr<FileReadInstance> const file = clip.openVideo();
@@ -105,7 +123,9 @@ int FramesCommand::run(SessionOptions const& options) {
 }
 
 FramesCommand::Plan FramesCommand::readPlan() const {
-    Plan plan{FrameSet::parse(frames_), FrameOrder::parse(order_), {}, {}};
+    FrameSet const frames =
+        samples_.empty() ? FrameSet::parse(frames_) : FrameSet::parse(samples_, "--samples");
+    Plan plan{frames, FrameOrder::parse(order_), {}, {}};
     if (!size_.empty()) {
         plan.size = PictureSize::parse(size_);
     }
@@ -115,11 +135,23 @@ FramesCommand::Plan FramesCommand::readPlan() const {
     return plan;
 }
 
+std::vector<std::uint32_t> FramesCommand::namedFrames(Plan const& plan, PlayFileMetadataRep const& metadata,
+                                                      std::string const& path) const {
+    Timeline const timeline(metadata);
+    if (times_.empty()) {
+        return plan.frames.resolve(timeline.frameCount(), path);
+    }
+    std::vector<std::uint32_t> frames;
+    for (double const seconds : times_) {
+        frames.push_back(timeline.frameAt(seconds, path));
+    }
+    return FrameSet::of(frames).resolve(timeline.frameCount(), path);
+}
+
 int FramesCommand::fetch(Clip const& clip, Plan const& plan, FileReadInstance const& file) const {
     PlayFileMetadataRep const& metadata = *file.metadata;
     std::string const& path = clip.input().path();
-    std::vector<std::uint32_t> const frames =
-        plan.order.apply(plan.frames.resolve(metadata.videoSampleCount, path), count_);
+    std::vector<std::uint32_t> const frames = plan.order.apply(namedFrames(plan, metadata, path), count_);
     PictureSize const size = plan.size.stored(metadata.orientation);
     FrameFetcher fetcher(clip.videoCookie(), metadata,
                          isMd5_ ? nativeFormat(metadata) : rgbFormat(metadata, size.width, size.height),

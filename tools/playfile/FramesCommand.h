@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "files/FileReadInstance.h"
 #include "tools/playfile/Clip.h"
@@ -24,11 +26,16 @@ private:
     struct Plan;
 
     [[nodiscard]] Plan readPlan() const;
+    [[nodiscard]] std::vector<std::uint32_t> namedFrames(Plan const& plan,
+                                                         PlayFileMetadataRep const& metadata,
+                                                         std::string const& path) const;
     [[nodiscard]] int fetch(Clip const& clip, Plan const& plan, FileReadInstance const& file) const;
 
     CLI::App* command_ = nullptr;
     std::string file_;
     std::string frames_ = "all";
+    std::string samples_;
+    std::vector<double> times_;
     std::string order_ = "forward";
     std::optional<std::uint64_t> count_;
     unsigned threads_;

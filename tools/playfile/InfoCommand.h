@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "tools/playfile/Command.h"
 
 namespace cli {
@@ -15,6 +18,7 @@ private:
     CLI::App* command_ = nullptr;
     std::string file_;
     bool isJson_ = false;
+    std::vector<double> times_;
 };
 
 }  // namespace cli

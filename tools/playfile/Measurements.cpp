@@ -9,6 +9,7 @@
 #include "tools/playfile/FrameFetcher.h"
 #include "tools/playfile/FrameOrder.h"
 #include "tools/playfile/Progress.h"
+#include "tools/playfile/Timeline.h"
 
 namespace cli {
 namespace {
@@ -37,13 +38,13 @@ struct Target {
 };
 
 std::vector<std::uint32_t> firstFrames(PlayFileMetadataRep const& metadata, std::size_t count) {
-    std::vector<std::uint32_t> frames(std::min<std::size_t>(metadata.videoSampleCount, count));
+    std::vector<std::uint32_t> frames(std::min<std::size_t>(Timeline(metadata).frameCount(), count));
     std::iota(frames.begin(), frames.end(), 0U);
     return frames;
 }
 
 std::vector<std::uint32_t> randomFrames(PlayFileMetadataRep const& metadata) {
-    std::vector<std::uint32_t> const places = spreadFrames(metadata.videoSampleCount, randomPlaces);
+    std::vector<std::uint32_t> const places = spreadFrames(Timeline(metadata).frameCount(), randomPlaces);
     return FrameOrder::parse(randomOrder).apply(places, std::min(places.size(), mostRandom));
 }
 
