@@ -160,6 +160,10 @@ bool showFirstFrame(Cookie const& clip) {
     }
     Ox::Image::Surface picture;
     request->getResultBuffer()->getSurface(0, picture);
+    // A file may be decoded in runs: then the read ends before its picture is there, if it ever comes.
+    if (picture.wait(iThreadEvent::noTimeLimit) != Ox::Image::Surface::waitFinished || !picture.valid()) {
+        return false;
+    }
     std::printf("frame 0 is %u x %u\n", picture.getWidth(), picture.getHeight());
     return true;
 }

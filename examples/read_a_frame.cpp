@@ -36,10 +36,15 @@ int main(int argc, char** argv) {
     Ox::Ptr<VideoReadRequest> request;
     OxResult const result = PlayFileCache::Shared()->videoReadRequest(
         request, clip, 0, false, resultDecompressed, DecodeFormat::getDefault(), waiter.getProxy());
-    bool const isRead = result == oxSuccess && waiter.waitFor(*request) == requestComplete;
-    if (isRead) {
-        Ox::Image::Surface picture;
+    bool isRead = false;
+    Ox::Image::Surface picture;
+    if (result == oxSuccess && waiter.waitFor(*request) == requestComplete) {
         request->getResultBuffer()->getSurface(0, picture);
+        // A file may be decoded in runs: then the read ends before its picture is there, if it ever comes.
+        bool const isFinished = picture.wait(iThreadEvent::noTimeLimit) == Ox::Image::Surface::waitFinished;
+        isRead = isFinished && picture.valid();
+    }
+    if (isRead) {
         std::printf("frame 0 is %u x %u\n", picture.getWidth(), picture.getHeight());
     }
     playfile_exit();

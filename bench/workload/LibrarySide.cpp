@@ -1,5 +1,6 @@
 #include "bench/workload/LibrarySide.h"
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -17,7 +18,7 @@ using Clock = std::chrono::steady_clock;
 using RequestPtr = Ox::Ptr<VideoReadRequest>;
 
 /// Requests that a player has under way.
-constexpr std::uint32_t framesAhead = 4;
+constexpr std::size_t framesAhead = 4;
 
 /// A clip in the catalogue, and the reads of it.
 class Clip {
@@ -57,6 +58,17 @@ public:
         while (request && request->getRequestStatus() == requestTakenUp) {
             std::this_thread::yield();
         }
+        waitForPicture(request);
+    }
+
+    /// Waits for the decoder: a read of a streamed file ends before its picture is there.
+    void waitForPicture(RequestPtr const& request) {
+        Ox::Ptr<FrameBufferRep> const buffer =
+            request ? request->getResultBuffer() : Ox::Ptr<FrameBufferRep>();
+        Ox::Image::Surface picture;
+        bool const isThere = buffer && buffer->getSurface(0, picture) &&
+                             picture.wait(iThreadEvent::noTimeLimit) == Ox::Image::Surface::waitFinished;
+        isGood_ = isGood_ && isThere && picture.valid();
     }
 
     /// Waits until all but `count` of the reads that were asked for have told their issuer.
@@ -71,14 +83,17 @@ private:
     bool isGood_ = true;
 };
 
+/// Asks for a frame when the picture of the one `framesAhead` before it is there.
 void readAhead(Clip& clip, std::vector<std::uint32_t> const& frames) {
     std::vector<RequestPtr> underWay(framesAhead);
-    std::size_t next = 0;
-    for (std::uint32_t const frame : frames) {
-        clip.waitForAllBut(framesAhead - 1);
-        underWay[next++ % framesAhead] = clip.ask(frame);
+    for (std::size_t i = 0; i < frames.size() + framesAhead; ++i) {
+        RequestPtr& oldest = underWay[i % framesAhead];
+        if (i >= framesAhead && i - framesAhead < frames.size()) {
+            clip.waitForAllBut(std::min(framesAhead, frames.size() - (i - framesAhead)) - 1);
+            clip.waitForPicture(oldest);
+        }
+        oldest = i < frames.size() ? clip.ask(frames[i]) : RequestPtr();
     }
-    clip.waitForAllBut(0);
 }
 
 void readOneByOne(Clip& clip, std::vector<std::uint32_t> const& frames) {

@@ -39,26 +39,26 @@ DecodeLane::DecodeLane(FrameIndex& index, PacketReader& reader, std::unique_ptr<
       framing_(framing),
       packet_(makePacket()) {}
 
-PicturePtr DecodeLane::fetch(uint32_t wanted, uint32_t keepFrom, PictureShelf& shelf) {
+PicturePtr DecodeLane::fetch(uint32_t wanted, uint32_t keepFrom, PictureStore& store) {
     bool const isJump = !leadsTo(wanted);
     jumpsInARow_ = isJump ? jumpsInARow_ + 1 : 0;
     Walk const goal{wanted, keepFrom, jumpsInARow_ > jumpsOfAPattern};
-    PicturePtr picture = !isJump ? walk(goal, shelf) : walkFrom(index_.startPacketFor(wanted), goal, shelf);
+    PicturePtr picture = !isJump ? walk(goal, store) : walkFrom(index_.startPacketFor(wanted), goal, store);
     uint32_t const start = std::min(startedAt_, index_.startPacketFor(wanted));
     if (!picture && startedAt_ > 0) {
         bool const hasBegunThere = isJump && startedAt_ == start;
-        picture = walkFrom(index_.keyBefore(start), goal, shelf);
+        picture = walkFrom(index_.keyBefore(start), goal, store);
         if (picture && hasBegunThere) {
             index_.takeKeyMark(start);
         }
     }
     if (!picture && startedAt_ > 0) {
-        picture = walkFrom(index_.keyBefore(start - std::min(start, farBackPackets)), goal, shelf);
+        picture = walkFrom(index_.keyBefore(start - std::min(start, farBackPackets)), goal, store);
     }
     if (hasDropped_ && decoder_->errorCount() > errorsAtStart_) {
         mayDrop_ = false;
-        shelf.clear();
-        picture = walkFrom(startedAt_, goal, shelf);
+        store.clear();
+        picture = walkFrom(startedAt_, goal, store);
     }
     lastFetched_ = wanted;
     return picture;
@@ -66,19 +66,19 @@ PicturePtr DecodeLane::fetch(uint32_t wanted, uint32_t keepFrom, PictureShelf& s
 
 /// A container may mark a packet as a key that isn't one. Its picture gives it away; then it is no
 /// longer counted as a key, and decoding begins at the key before.
-PicturePtr DecodeLane::walkFrom(uint32_t packet, Walk const& goal, PictureShelf& shelf) {
+PicturePtr DecodeLane::walkFrom(uint32_t packet, Walk const& goal, PictureStore& store) {
     restartAt(packet);
-    PicturePtr picture = walk(goal, shelf);
+    PicturePtr picture = walk(goal, store);
     while (hasFalseStart_ && startedAt_ > 0) {
         index_.takeKeyMark(startedAt_);
         restartAt(index_.keyBefore(startedAt_));
-        picture = walk(goal, shelf);
+        picture = walk(goal, store);
     }
     return picture;
 }
 
 PicturePtr DecodeLane::fetchFirst(uint32_t& frame) {
-    PictureShelf unused;
+    PictureStore unused;
     restartAt(0);
     while (next_ < mostLeadingPackets && !decoder_->hasEnded()) {
         uint32_t number = 0;
@@ -152,14 +152,14 @@ void DecodeLane::restartAt(uint32_t packet) {
 
 /// Somebody who jumps about won't read on from here: then nothing after the wanted picture is decoded,
 /// at the price that the decoder can't go on.
-PicturePtr DecodeLane::walk(Walk const& goal, PictureShelf& shelf) {
+PicturePtr DecodeLane::walk(Walk const& goal, PictureStore& store) {
     uint32_t const end =
         goal.endsThere ? index_.endOfFrameAt(index_.packetOf(goal.wanted)) : index_.packetCount();
     for (;;) {
         uint32_t number = 0;
         if (AvPtr<AVFrame> frame = decoder_->receive(number)) {
             bool hasPassed = false;
-            if (PicturePtr picture = sift(std::move(frame), number, goal, shelf, hasPassed)) {
+            if (PicturePtr picture = sift(std::move(frame), number, goal, store, hasPassed)) {
                 return picture;
             }
             if (hasPassed || hasFalseStart_) {
@@ -178,7 +178,7 @@ PicturePtr DecodeLane::walk(Walk const& goal, PictureShelf& shelf) {
 }
 
 /// Keeps what is of use; answers the wanted picture if this is it.
-PicturePtr DecodeLane::sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& goal, PictureShelf& shelf,
+PicturePtr DecodeLane::sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& goal, PictureStore& store,
                             bool& hasPassed) {
     if (isFalseStart(*frame, number)) {
         hasFalseStart_ = true;
@@ -197,7 +197,7 @@ PicturePtr DecodeLane::sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& g
     }
     PicturePtr picture = finish(std::move(frame), number);
     if (shownFrame != goal.wanted) {
-        shelf.put(shownFrame, std::move(picture), goal.wanted);
+        store.put(shownFrame, std::move(picture), goal.wanted);
         hasPassed = shownFrame > goal.wanted + index_.reorderDepth() + patienceFrames;
         return nullptr;
     }

@@ -8,7 +8,7 @@
 #include "plugins/ffmpeg/FrameDecoder.h"
 #include "plugins/ffmpeg/FrameIndex.h"
 #include "plugins/ffmpeg/PacketReader.h"
-#include "plugins/ffmpeg/PictureShelf.h"
+#include "plugins/ffmpeg/PictureStore.h"
 
 namespace playfile_ffmpeg {
 
@@ -21,10 +21,10 @@ public:
                NalFraming framing);
 
     /// Frame `wanted`; empty if it can't be decoded. Pictures from `keepFrom` on that come out on the way,
-    /// and those shown after the wanted one, go onto the shelf. Pictures before `keepFrom` that nobody
+    /// and those shown after the wanted one, go onto the store. Pictures before `keepFrom` that nobody
     /// refers to aren't decoded; unless there is damage on the way, since what a decoder makes of a damaged
     /// picture depends on all that went before.
-    PicturePtr fetch(uint32_t wanted, uint32_t keepFrom, PictureShelf& shelf);
+    PicturePtr fetch(uint32_t wanted, uint32_t keepFrom, PictureStore& store);
 
     /// The first picture that decoding from the first packet gives out, with its frame number.
     PicturePtr fetchFirst(uint32_t& frame);
@@ -41,12 +41,12 @@ private:
         uint32_t keepFrom;
         bool endsThere = false;  ///< What follows isn't sent; the decoder is drained instead.
     };
-    PicturePtr walkFrom(uint32_t packet, Walk const& goal, PictureShelf& shelf);
+    PicturePtr walkFrom(uint32_t packet, Walk const& goal, PictureStore& store);
     bool readPacket(uint32_t number);
     bool leadsTo(uint32_t wanted) const;
     void restartAt(uint32_t packet);
-    PicturePtr walk(Walk const& goal, PictureShelf& shelf);
-    PicturePtr sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& goal, PictureShelf& shelf,
+    PicturePtr walk(Walk const& goal, PictureStore& store);
+    PicturePtr sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& goal, PictureStore& store,
                     bool& hasPassed);
     bool isFalseStart(AVFrame const& frame, uint32_t number);
     void feedNext(Walk const& goal);

@@ -100,7 +100,7 @@ bool FrameFetcher::showFirst(std::string& error) {
         frame = 0;
     }
     addPictureFacts(facts_, *picture, lane->decoder().context());
-    shelf_.put(frame, std::move(picture), frame);
+    store_.put(frame, std::move(picture), frame);
     return true;
 }
 
@@ -110,7 +110,7 @@ bool FrameFetcher::showFirstIntra(std::string& error) {
     for (uint32_t frame = 0; frame < tried; ++frame) {
         if (PicturePtr picture = lane->fetch(frame)) {
             addPictureFacts(facts_, *picture, lane->decoder().context());
-            shelf_.put(frame, std::move(picture), frame);
+            store_.put(frame, std::move(picture), frame);
             return true;
         }
     }
@@ -119,15 +119,16 @@ bool FrameFetcher::showFirstIntra(std::string& error) {
 }
 
 PicturePtr FrameFetcher::fetch(uint32_t frame) {
+    uint32_t const from = keepFrom(frame);
+    return fetch(frame, {from, from, UINT32_MAX});
+}
+
+PicturePtr FrameFetcher::fetch(uint32_t frame, Keep const& keep) {
     if (frame >= frameCount() || isMissing(frame)) {
         return nullptr;
     }
     onwardRun_ = frame == lastFrame_ + 1 ? onwardRun_ + 1 : 0;
-    PicturePtr picture = shelf_.find(frame);
-    shelfHits_ += picture != nullptr;
-    if (!picture) {
-        picture = decode(frame);
-    }
+    PicturePtr picture = obtain(frame, keep);
     lastFrame_ = frame;
     if (!picture) {
         isUndecodable_.resize(frameCount());
@@ -136,9 +137,14 @@ PicturePtr FrameFetcher::fetch(uint32_t frame) {
     return picture;
 }
 
-PicturePtr FrameFetcher::decode(uint32_t frame) {
-    uint32_t const keep = keepFrom(frame);
-    shelf_.dropBefore(keep);
+PicturePtr FrameFetcher::obtain(uint32_t frame, Keep const& keep) {
+    PicturePtr picture = store_.find(frame);
+    storeHits_ += picture != nullptr;
+    return picture ? picture : decode(frame, keep);
+}
+
+PicturePtr FrameFetcher::decode(uint32_t frame, Keep const& keep) {
+    store_.keepOnly(keep.first, keep.last);
     PicturePtr picture;
     bool const isRun = onwardRun_ >= framesOfARun && hasFrameThreads_;
     if (index_.isEveryPacketAKey() && !isRun) {
@@ -147,10 +153,10 @@ PicturePtr FrameFetcher::decode(uint32_t frame) {
     bool const mayNeedOthers = !(isIntraCoded_ && index_.isEveryPacketAKey());
     if (!picture && (isRun || mayNeedOthers)) {
         DecodeLane* lane = linear();
-        picture = lane != nullptr ? lane->fetch(frame, keep, shelf_) : nullptr;
+        picture = lane != nullptr ? lane->fetch(frame, keep.from, store_) : nullptr;
     }
     if (picture) {
-        shelf_.put(frame, picture, frame);
+        store_.put(frame, picture, frame);
     }
     return picture;
 }
@@ -169,7 +175,7 @@ PicturePtr FrameFetcher::decodeAlone(uint32_t frame) {
 
 /// Somebody who steps back will ask for the frames before next; they come out on the way anyhow.
 uint32_t FrameFetcher::keepFrom(uint32_t frame) const {
-    int64_t const reach = static_cast<int64_t>(shelf_.capacity()) - 2;
+    int64_t const reach = static_cast<int64_t>(store_.capacity()) - 2;
     bool const stepsBack = frame < lastFrame_ && lastFrame_ - frame <= reach;
     return stepsBack ? static_cast<uint32_t>(std::max<int64_t>(0, frame - reach)) : frame;
 }
@@ -203,13 +209,20 @@ bool FrameFetcher::isMissing(uint32_t frame) const {
     return isKnownUndecodable || reader_->isMissing(index_.packetOf(frame));
 }
 
+void FrameFetcher::closeDecoders() {
+    decodedBefore_ = counters().framesDecoded;
+    linear_ = nullptr;
+    intra_ = nullptr;
+    store_.clear();
+}
+
 FrameFetcher::Counters FrameFetcher::counters() const {
     Counters counters;
     counters.seeks = reader_->seekCount();
     counters.packetsRead = reader_->readCount();
-    counters.framesDecoded =
-        (linear_ ? linear_->decoder().decodedCount() : 0) + (intra_ ? intra_->decoder().decodedCount() : 0);
-    counters.shelfHits = shelfHits_;
+    counters.framesDecoded = decodedBefore_ + (linear_ ? linear_->decoder().decodedCount() : 0) +
+                             (intra_ ? intra_->decoder().decodedCount() : 0);
+    counters.storeHits = storeHits_;
     return counters;
 }
 

@@ -11,7 +11,8 @@
 #include "plugins/ffmpeg/FrameIndex.h"
 #include "plugins/ffmpeg/IndexBuilder.h"
 #include "plugins/ffmpeg/PacketReader.h"
-#include "plugins/ffmpeg/PictureShelf.h"
+#include "plugins/ffmpeg/PictureStore.h"
+#include "plugins/ffmpeg/ReadPattern.h"
 #include "plugins/ffmpeg/StreamFacts.h"
 
 namespace playfile_ffmpeg {
@@ -32,7 +33,7 @@ public:
         uint64_t seeks = 0;
         uint64_t packetsRead = 0;
         uint64_t framesDecoded = 0;
-        uint64_t shelfHits = 0;
+        uint64_t storeHits = 0;
     };
 
     /// Empty with the reason in `error` when nothing of the file can be shown. Blocks on the file.
@@ -40,6 +41,19 @@ public:
 
     /// The picture in its own size and format; empty if it can't be had. Blocks on the file.
     PicturePtr fetch(uint32_t frame);
+
+    /// The same, with the word on which others are wanted.
+    PicturePtr fetch(uint32_t frame, Keep const& keep);
+
+    /// How many pictures are kept.
+    void setStoreLimits(PictureStore::Limits const& limits) { store_.setLimits(limits); }
+    PictureStore const& store() const { return store_; }
+
+    /// Lets go of the decoders with their threads, and of all pictures; they are made anew when needed.
+    void closeDecoders();
+
+    /// True for a stream of several frames of which most need others to be decoded.
+    bool isLongGop() const { return !isIntraCoded_ && !index_.isEveryPacketAKey() && frameCount() > 1; }
 
     uint32_t frameCount() const { return index_.frameCount(); }
     FrameIndex const& index() const { return index_; }
@@ -56,7 +70,8 @@ private:
     void makeReader(std::unique_ptr<OpenContainer> container, BuiltIndex const& built);
     bool showFirst(std::string& error);
     bool showFirstIntra(std::string& error);
-    PicturePtr decode(uint32_t frame);
+    PicturePtr obtain(uint32_t frame, Keep const& keep);
+    PicturePtr decode(uint32_t frame, Keep const& keep);
     PicturePtr decodeAlone(uint32_t frame);
     uint32_t keepFrom(uint32_t frame) const;
     DecodeLane* linear();
@@ -73,11 +88,12 @@ private:
     std::unique_ptr<PacketReader> reader_;
     std::unique_ptr<DecodeLane> linear_;
     std::unique_ptr<IntraLane> intra_;
-    PictureShelf shelf_;
+    PictureStore store_;
     std::vector<bool> isUndecodable_;  ///< Empty until the first one.
     int64_t lastFrame_ = -1;
     uint32_t onwardRun_ = 0;
-    uint64_t shelfHits_ = 0;
+    uint64_t storeHits_ = 0;
+    uint64_t decodedBefore_ = 0;  ///< By decoders that are closed.
 };
 
 }  // namespace playfile_ffmpeg

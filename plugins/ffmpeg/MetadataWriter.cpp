@@ -131,6 +131,7 @@ void describe(FrameFetcher const& fetcher, PlayFileMetadataRep& metadata) {
     StreamFacts const& facts = fetcher.facts();
     describePicture(facts, metadata);
     describeTiming(fetcher, metadata);
+    metadata.setReadStreaming(fetcher.isLongGop());
     describeForPeople(fetcher, metadata);
     describeAudio(facts, metadata);
     describeLanguages(facts, metadata.extraConfig);

@@ -11,10 +11,8 @@ namespace {
 /// Keeps a picture's memory as long as a surface shows it.
 class PictureHolder : public virtual iObject {
 public:
-    explicit PictureHolder(PicturePtr picture) : picture_(std::move(picture)) {}
-
-private:
-    PicturePtr const picture_;
+    explicit PictureHolder(PicturePtr held) : picture(std::move(held)) {}
+    PicturePtr const picture;
 };
 
 Ox::Image::VideoData videoDataOf(AVFrame const& picture, StreamFacts const& facts) {
@@ -58,10 +56,20 @@ Ox::Image::Surface surfaceOf(PicturePtr const& picture, StreamFacts const& facts
         description ? description->bitsPerPixel : std::uint16_t(0), Ox::Image::layoutTopDown,
         Ox::Image::showForeignMemory, static_cast<std::uint32_t>(std::abs(picture->linesize[0])));
     surface.setOrientation(static_cast<Ox::Image::Orientation>(facts.orientation));
+    showIn(surface, picture, facts, timeSeconds);
+    return surface;
+}
+
+void showIn(Ox::Image::Surface& surface, PicturePtr const& picture, StreamFacts const& facts,
+            double timeSeconds) {
     surface.setVideoData(videoDataOf(*picture, facts));
     surface.setSampleData({fieldOrderOf(*picture), timeSeconds});
     surface.setPlanes(planesOf(*picture), Ox::makePtr<PictureHolder>(picture));
-    return surface;
+}
+
+PicturePtr pictureOf(Ox::Image::Surface const& surface) {
+    Ox::Ptr<PictureHolder> const holder = Ox::dynamicPtrCast<PictureHolder>(surface.getOwner());
+    return holder ? holder->picture : nullptr;
 }
 
 Ox::Image::VideoData videoDataOf(StreamFacts const& facts) {

@@ -11,6 +11,14 @@ namespace playfile_ffmpeg {
 /// @param timeSeconds  of the frame, from the stream's start
 Ox::Image::Surface surfaceOf(PicturePtr const& picture, StreamFacts const& facts, double timeSeconds);
 
+/// The same for a surface that is already handed out and that its receiver doesn't look at before it is
+/// finished. The picture must be of its size and format.
+void showIn(Ox::Image::Surface& surface, PicturePtr const& picture, StreamFacts const& facts,
+            double timeSeconds);
+
+/// The picture that a surface shows; empty if it shows none or something else.
+PicturePtr pictureOf(Ox::Image::Surface const& surface);
+
 /// The library's descriptions of a stream's colour, pixel shape and fields.
 Ox::Image::VideoData videoDataOf(StreamFacts const& facts);
 Ox::Image::eFieldOrder fieldOrderOf(StreamFacts const& facts);

@@ -54,7 +54,7 @@ protected:
     /// The number on a frame; the packets read for it are those in `reader_` afterwards.
     [[nodiscard]] int fetch(uint32_t frame) {
         reader_.numbers.clear();
-        return numberOn(lane_->fetch(frame, frame, shelf_).get());
+        return numberOn(lane_->fetch(frame, frame, store_).get());
     }
     /// The packet from which on the last frame was read.
     [[nodiscard]] uint32_t firstRead() const { return reader_.numbers.empty() ? 0 : reader_.numbers.front(); }
@@ -64,7 +64,7 @@ protected:
     FrameIndex index_;
     RecordingPacketReader reader_{file_, index_};
     std::unique_ptr<DecodeLane> lane_;
-    PictureShelf shelf_;
+    PictureStore store_;
 };
 
 /// The clip has a key every 24 frames.
@@ -173,14 +173,14 @@ TEST_F(DecodeLaneTest, ReadsThePacketsOfTheFirstFrameNoSecondTime) {
 
 TEST_F(DecodeLaneTest, PutsPicturesThatAreToBeKeptOntoTheShelf) {
     open(shortGroups);
-    static_cast<void>(lane_->fetch(60, 57, shelf_));
-    EXPECT_EQ(numberOn(shelf_.find(58).get()), 58);
+    static_cast<void>(lane_->fetch(60, 57, store_));
+    EXPECT_EQ(numberOn(store_.find(58).get()), 58);
 }
 
 TEST_F(DecodeLaneTest, PutsNoEarlierPictureOntoTheShelf) {
     open(shortGroups);
-    static_cast<void>(lane_->fetch(60, 57, shelf_));
-    EXPECT_FALSE(shelf_.find(56));
+    static_cast<void>(lane_->fetch(60, 57, store_));
+    EXPECT_FALSE(store_.find(56));
 }
 
 TEST_F(DecodeLaneTest, EndsAtTheFrameForWhoJumpsAbout) {
@@ -194,7 +194,7 @@ TEST_F(DecodeLaneTest, EndsAtTheFrameForWhoJumpsAbout) {
 
 TEST_F(DecodeLaneTest, GivesThePictureItsTime) {
     open(shortGroups);
-    EXPECT_EQ(lane_->fetch(60, 60, shelf_)->pts, index_.ptsOf(60));
+    EXPECT_EQ(lane_->fetch(60, 60, store_)->pts, index_.ptsOf(60));
 }
 
 }  // namespace

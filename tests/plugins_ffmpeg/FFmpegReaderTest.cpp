@@ -98,6 +98,7 @@ protected:
         Surface surface;
         if (reader_->readVideo(buffer, request) == FileReadInstance::frameRead) {
             buffer->getSurface(0, surface);
+            static_cast<void>(surface.wait(iThreadEvent::noTimeLimit));
         }
         return surface;
     }

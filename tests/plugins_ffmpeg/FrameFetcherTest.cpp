@@ -86,7 +86,7 @@ protected:
         after.seeks -= before.seeks;
         after.packetsRead -= before.packetsRead;
         after.framesDecoded -= before.framesDecoded;
-        after.shelfHits -= before.shelfHits;
+        after.storeHits -= before.storeHits;
         return after;
     }
 

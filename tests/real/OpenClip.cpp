@@ -61,6 +61,7 @@ Ox::Image::Surface OpenClip::read(std::uint32_t frame, DecodeFormat const& forma
     Ox::Image::Surface picture;
     if (result == oxSuccess && waiter.waitFor(*request) == requestComplete) {
         request->getResultBuffer()->getSurface(0, picture);
+        static_cast<void>(picture.wait(iThreadEvent::noTimeLimit));
     }
     return picture;
 }

@@ -23,8 +23,9 @@ struct Plane {
 ///
 /// Ownership  The body holds the object that owns the pixels.
 /// Threads    One thread fills a surface and calls `set`; others may ask `valid` and `wait` at any
-///            time, and read the pixels once `valid` has answered true. Descriptions are set before
-///            the surface is handed out.
+///            time, and read the pixels once `valid` has answered true. Size and format are set before
+///            the surface is handed out, the other descriptions before its planes; who waits for a
+///            surface looks at them afterwards.
 class Surface {
 public:
     /// `wait` answers it when the surface is finished, whether or not it has pixels.

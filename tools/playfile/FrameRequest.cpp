@@ -21,6 +21,15 @@ bool isOver(RequestStatus status) {
     return status == requestComplete || status == requestFailed;
 }
 
+/// Waits for the decoder of a file that is read streaming: such a read ends before its picture is there,
+/// and a picture that never comes shows in the surface only.
+bool hasPixels(Ox::Image::Surface const& surface) {
+    while (surface.wait(lookRoundInterval.count()) != Ox::Image::Surface::waitFinished) {
+        checkForInterrupt();
+    }
+    return surface.valid();
+}
+
 }  // namespace
 
 FrameRequest::FrameRequest(Cookie const& cookie, std::uint32_t frame, DecodeFormat const& format)
@@ -50,7 +59,8 @@ bool FrameRequest::wait(Ox::Image::Surface& surface) {
             hasEnded_ = true;
         }
     }
-    return isGood_ && pickPicture(surface);
+    scope.unlock();
+    return isGood_ && pickPicture(surface) && hasPixels(surface);
 }
 
 bool FrameRequest::isAnsweredByAnother() const {

@@ -23,7 +23,7 @@ public:
     FrameRequest(Cookie const& cookie, std::uint32_t frame, DecodeFormat const& format);
     ~FrameRequest() override;
 
-    /// Waits for the end of the read.
+    /// Waits for the end of the read, and for its picture.
     ///
     /// @param surface  set to the frame's picture
     /// @return false if the frame couldn't be read

@@ -1,0 +1,74 @@
+#include "plugins/ffmpeg/DecoderKeeper.h"
+
+#include <algorithm>
+
+#include "toolkit/services/Settings.h"
+
+namespace playfile_ffmpeg {
+namespace {
+
+constexpr int defaultOpenDecoders = 8;
+constexpr int mostOpenDecoders = 1000;
+
+using Entry = std::weak_ptr<KeptDecoder>;
+
+/// Compares without a hold on the decoder, which mustn't go under the lock.
+bool isFor(Entry const& entry, std::shared_ptr<KeptDecoder> const& decoder) {
+    return !entry.owner_before(decoder) && !decoder.owner_before(entry);
+}
+
+}  // namespace
+
+DecoderKeeper& DecoderKeeper::shared() {
+    static DecoderKeeper keeper(
+        static_cast<size_t>(config_int("streamingDecoders", defaultOpenDecoders, 1, mostOpenDecoders)));
+    return keeper;
+}
+
+void DecoderKeeper::use(std::shared_ptr<KeptDecoder> const& decoder) {
+    {
+        std::lock_guard const scope(lock_);
+        forgetGone();
+        kept_.remove_if([&](Entry const& entry) { return isFor(entry, decoder); });
+        kept_.push_front(decoder);
+    }
+    trim();
+}
+
+/// One that is at work is put back as the one that was used the longest ago, unless it has come by itself.
+void DecoderKeeper::trim() {
+    for (std::shared_ptr<KeptDecoder> const& decoder : takeSurplus()) {
+        if (decoder->tryClose()) {
+            continue;
+        }
+        std::lock_guard const scope(lock_);
+        auto const isOfThis = [&](Entry const& entry) { return isFor(entry, decoder); };
+        if (std::none_of(kept_.begin(), kept_.end(), isOfThis)) {
+            kept_.push_back(decoder);
+        }
+    }
+}
+
+std::vector<std::shared_ptr<KeptDecoder>> DecoderKeeper::takeSurplus() {
+    std::vector<std::shared_ptr<KeptDecoder>> surplus;
+    std::lock_guard const scope(lock_);
+    forgetGone();
+    while (kept_.size() > mostOpen_) {
+        if (std::shared_ptr<KeptDecoder> decoder = kept_.back().lock()) {
+            surplus.push_back(std::move(decoder));
+        }
+        kept_.pop_back();
+    }
+    return surplus;
+}
+
+void DecoderKeeper::forgetGone() {
+    kept_.remove_if([](Entry const& entry) { return entry.expired(); });
+}
+
+size_t DecoderKeeper::openCount() const {
+    std::lock_guard const scope(lock_);
+    return kept_.size();
+}
+
+}  // namespace playfile_ffmpeg
