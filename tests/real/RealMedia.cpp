@@ -105,7 +105,7 @@ std::vector<std::string> smallClips() {
             clips.push_back(clip);
         }
     }
-    return clips.size() < 6 ? filesBelow(PLAYFILE_TEST_MEDIA_DIR) : clips;
+    return clips.size() < 6 ? clipsWithPictures() : clips;
 }
 
 std::vector<std::string> shownFrames(std::string const& path) {
