@@ -11,10 +11,23 @@ namespace {
 constexpr char const* threadName = "AudioReadQueue";
 
 void fail(Ptr<AudioReadRequest> const& request) {
-    PlayFileCounters::add(playFileCounters().audioReadsFailed);
     request->setRequestStatus(requestFailed);
     Ptr<iObject> self(request);
     request->doCallbacks(self);
+}
+
+void traceDrop(AudioReadRequest const& request) {
+    constexpr char const* category = AudioReadRequest::traceCategory;
+    PlayFileTrace::step(TraceEvent::requestStep, category, "dropped", request.number);
+    PlayFileTrace::step(TraceEvent::requestEnds, category, AudioReadRequest::traceName, request.number);
+}
+
+void traceWhat(TraceSlice& slice, AudioReadRequest const& request) {
+    slice.with("stream", request.stream)
+        .with("channel", request.channelInStream)
+        .with("sample", static_cast<std::int64_t>(request.startSample))
+        .with("count", request.numSamples)
+        .of(request.file->filename);
 }
 
 }  // namespace
@@ -47,6 +60,7 @@ void AudioReadQueue::shutdown(Shutdown::eExitType) {
 
 /// The worker is woken when the lock has been left: woken under it, it would go back to sleep at once.
 unsigned int AudioReadQueue::queueReadRequest(Ptr<AudioReadRequest>& request) {
+    PlayFileTrace::step(TraceEvent::requestStep, AudioReadRequest::traceCategory, "queued", request->number);
     if (accept(request)) {
         PlayFileCounters::add(playFileCounters().audioRequestsQueued);
         wakeEvent_->set();
@@ -74,8 +88,11 @@ void AudioReadQueue::despatchItemFromQueue() {
     }
     if (request.useCount() == 1) {
         PlayFileCounters::add(playFileCounters().audioRequestsDropped);
+        traceDrop(*request);
         return;
     }
+    TraceSlice slice(AudioReadRequest::traceCategory, "read", request->number);
+    traceWhat(slice, *request);
     request->file->readAudio(request);
 }
 

@@ -4,6 +4,7 @@
 
 #include "files/FileReadInstance.h"
 #include "ole/Ox/OxMemHolder.h"
+#include "playfile/Trace.h"
 #include "toolkit/image/ReadRequestIssuer.h"
 #include "toolkit/services/RequestStatus.h"
 #include "toolkit/sound/AudioMetadata.h"
@@ -64,8 +65,13 @@ public:
     [[nodiscard]] std::uint32_t getChannelIndex() const;
 
     /// Tells the issuers of the present status. @param self  this request
-    void doCallbacks(Ox::Ptr<iObject>& self) { issuers.doCallbacks(self, getRequestStatus()); }
+    void doCallbacks(Ox::Ptr<iObject>& self);
 
+    static constexpr char const* traceCategory = "sound";
+    static constexpr char const* traceName = "sound request";
+
+    /// What the trace calls this request; 0 if it isn't traced.
+    std::uint64_t const number = PlayFileTrace::nextRequest();
     IssuersT issuers;
     Ox::Ptr<FileReadInstance> const file;
     /// The result: one channel.

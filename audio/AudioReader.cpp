@@ -37,7 +37,6 @@ void AudioReader::readAudio(Ptr<AudioReadRequest>& request) {
     if (result == oxSuccess || result == oxEndOfData) {
         request->setRequestStatus(requestComplete);
     } else {
-        PlayFileCounters::add(playFileCounters().audioReadsFailed);
         request->setRequestStatus(requestFailed);
         LogBoth("** disk read error 0x%x\n", result);
     }
@@ -71,6 +70,8 @@ OxResult AudioReader::fetch(Ptr<AudioReadRequest>& request) {
     }
     PlayFileCounters::add(playFileCounters().audioStreamReads);
     bool const isCompressed = codecs.count(static_cast<int>(request->stream)) != 0;
+    TraceSlice slice(AudioReadRequest::traceCategory, isCompressed ? "decode" : "split", request->number);
+    slice.with("stream", request->stream);
     return isCompressed ? fetchCompressed(request) : fetchUncompressed(request);
 }
 

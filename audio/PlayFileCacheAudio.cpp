@@ -91,6 +91,8 @@ OxResult failed(OxResult code) {
 OxResult PlayFileCache::audioReadRequest(Ox::Ptr<AudioReadRequest>& result, Cookie const& cookie,
                                          unsigned long start, unsigned int count, eProxyLevel proxyLevel,
                                          Ox::Ptr<ReadRequestIssuer::Proxy> issuer, bool startIsAbsolute) {
+    TraceSlice slice(AudioReadRequest::traceCategory, "audioReadRequest");
+    slice.with("channel", cookie.channel()).with("sample", static_cast<std::int64_t>(start));
     if (cookie.channel() == 0) {
         return failed(oxFailure);
     }
@@ -119,5 +121,6 @@ OxResult PlayFileCache::audioReadRequest(Ox::Ptr<AudioReadRequest>& result, Cook
     std::uint32_t const samplesToFetch =
         clipped(fetchSize(metadata.audioStreams[request.stream], request.startSample, count), available);
     result = Ox::makePtr<AudioReadRequest>(file, request, samplesToFetch, issuer);
+    slice.about(result->number).of(file->filename);
     return oxSuccess;
 }

@@ -10,6 +10,7 @@
 #include "ole/os/OS.h"
 #include "playfile/Counters.h"
 #include "playfile/Settings.h"
+#include "playfile/Trace.h"
 #include "toolkit/catalogue/SystemCache.h"
 #include "toolkit/edit/Edit.h"
 #include "toolkit/services/Log.h"
@@ -129,8 +130,11 @@ Ox::Ptr<FileReadInstance> PlayFileCache::openReal(CacheEntry const& key, Cookie 
                                                   DecodeFormat const& format, unsigned int streamIndex) {
     Ox::Ptr<iFile> const handle = OS()->getFileManager().openFile(key.filename, iFile::readAccess,
                                                                   iFile::existingOnly, iFile::shared, 0);
+    TraceSlice slice("files", "open");
+    slice.with("media", 0, key.type.asString()).of(key.filename);
     addToQuarantine(key.filename, key.type);
     Ox::Ptr<FileReadInstance> file = PlayUtil::openRead(key.filename, format, key.type, streamIndex);
+    slice.with("isOpen", file ? 1 : 0);
     ScopedLock const scope(cacheLock_);
     if (file) {
         PlayFileCounters::add(playFileCounters().filesOpened);

@@ -1,8 +1,23 @@
 /// What happens to the cache of open files after they were opened: eviction, and the world's changes.
 #include "files/PlayFileCache.h"
 #include "playfile/Counters.h"
+#include "playfile/Trace.h"
 #include "toolkit/catalogue/DiskManager.h"
 #include "toolkit/services/Log.h"
+
+namespace {
+
+void traceEviction(FileReadInstance const& file) {
+    if (PlayFileTrace::isOn()) {
+        TraceEvent event;
+        event.category = "files";
+        event.name = "evicted";
+        event.with("media", 0, file.openType.asString()).of(file.filename);
+        PlayFileTrace::add(std::move(event));
+    }
+}
+
+}  // namespace
 
 /// The room is made file by file, and the size is read without the lock: another thread's open may
 /// make it wrong at once, and the bound is then kept by that thread's own call.
@@ -54,6 +69,7 @@ bool PlayFileCache::removeOldestEntry() {
         return false;
     }
     PlayFileCounters::add(playFileCounters().filesEvicted);
+    traceEviction(*removed);
     return true;
 }
 

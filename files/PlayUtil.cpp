@@ -8,6 +8,7 @@
 #include "files/PlayUtil.h"
 
 #include "ole/os/OS.h"
+#include "playfile/Trace.h"
 #include "toolkit/catalogue/SystemCache.h"
 #include "toolkit/plugins/FileReaderInfo.h"
 #include "toolkit/services/Log.h"
@@ -132,6 +133,8 @@ FilePtr PlayUtil::openRead(LightweightString<wchar_t> const& filename, DecodeFor
     TimedSection const section(TimedTaskManager::getTimedTask("PlayUtil"), "openRead");
     LightweightString<wchar_t> const name = OS()->getFileManager().getMountedFilename(filename);
     OpenRequest const request{name, displayNameOf(name), format, type, streamIndex};
+    TraceSlice slice("files", "choose reader");
+    slice.with("media", 0, type.asString()).of(name);
     Choice choice;
     if (!probe(request, choice)) {
         LogBoth("PlayUtil::openRead() : Failed to open (all readers) \"%s\" for %s\n", request.shown.c_str(),
@@ -147,6 +150,7 @@ FilePtr PlayUtil::openRead(LightweightString<wchar_t> const& filename, DecodeFor
                 type.asString());
         return {};
     }
+    slice.by(choice.best->readerName);
     LogBoth("Open   \"%s\" with %s for %s\n", request.shown.c_str(), choice.best->readerName.c_str(),
             type.asString());
     return choice.result;

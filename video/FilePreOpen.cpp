@@ -4,7 +4,9 @@
 
 #include "files/PlayFileCache.h"
 #include "ole/os/OS.h"
+#include "playfile/Counters.h"
 #include "playfile/Settings.h"
+#include "playfile/Trace.h"
 #include "toolkit/services/TimedTask.h"
 
 namespace Ox {
@@ -12,9 +14,25 @@ namespace {
 
 constexpr unsigned anyProcessor = static_cast<unsigned>(-1);
 constexpr unsigned usualStack = 0;
+constexpr char const* traceCategory = "files";
 
 /// Set for good when the service is gone.
 std::atomic<bool> hasEnded{false};
+
+void traceQueued(PreOpenRequest const& request) {
+    if (PlayFileTrace::isOn()) {
+        TraceEvent event;
+        event.category = traceCategory;
+        event.name = "pre-open queued";
+        event.of(request.cookie.asWString());
+        PlayFileTrace::add(std::move(event));
+    }
+}
+
+void count(Ptr<FileReadInstance> const& file) {
+    PlayFileCounters& counters = playFileCounters();
+    PlayFileCounters::add(file ? counters.preOpensOpened : counters.preOpensFailed);
+}
 
 void setFile(PreOpenRequest& request, Ptr<FileReadInstance> const& file) {
     request.file = file;
@@ -28,8 +46,11 @@ Ptr<PreOpenRequest> PreOpenRequest::create(Cookie const& cookie, DecodeFormat co
     auto request = makePtr<PreOpenRequest>(cookie, format, streamIndex);
     Ptr<FileReadInstance> const file =
         PlayFileCache::Shared()->isOpen(cookie, format, static_cast<unsigned>(streamIndex));
-    if (file || !FilePreOpen::add(request)) {
+    if (file) {
         setFile(*request, file);
+    } else if (!FilePreOpen::add(request)) {
+        count({});
+        setFile(*request, {});
     }
     return request;
 }
@@ -44,6 +65,8 @@ bool FilePreOpen::add(Ptr<PreOpenRequest>& request) {
         service->despatch(request);
         return true;
     }
+    PlayFileCounters::add(playFileCounters().preOpensQueued);
+    traceQueued(*request);
     service->queue->enqueue(request);
     service->queue->signal();
     return true;
@@ -69,8 +92,15 @@ FilePreOpen::~FilePreOpen() {
 void FilePreOpen::despatch(Ptr<PreOpenRequest>& request) {
     static Ptr<TimedTaskBase> const task = TimedTaskManager::createTimedTask("Preopen");
     TimedSection const section(task, "open");
-    setFile(*request, PlayFileCache::Shared()->open(request->cookie, request->format,
-                                                    static_cast<unsigned>(request->streamIndex)));
+    TraceSlice slice(traceCategory, "pre-open");
+    Ptr<FileReadInstance> const file = PlayFileCache::Shared()->open(
+        request->cookie, request->format, static_cast<unsigned>(request->streamIndex));
+    count(file);
+    slice.with("isOpen", file ? 1 : 0);
+    if (file) {
+        slice.of(file->filename);
+    }
+    setFile(*request, file);
 }
 
 /// On a worker, whose open is ending the process and never returns, the service stays as it is.

@@ -31,6 +31,8 @@ void FileReadInstance::limitUsage() {
 void FileReadInstance::readVideo(Ox::Ptr<VideoReadRequest>& request) {
     static Ox::Ptr<TimedTaskBase> const task = TimedTaskManager::createTimedTask("Video");
     TimedSection const section(task, "read");
+    TraceSlice slice(VideoReadRequest::traceCategory, "read", request->number);
+    slice.with("frame", request->frame).of(filename);
     Ox::Ptr<FrameBufferRep> buffer;
     switch (readVideo(buffer, request)) {
         case frameRead:

@@ -1,6 +1,9 @@
 #include "video/IssuersT.h"
 
-IssuersT::IssuersT(Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer) {
+#include "playfile/Trace.h"
+
+IssuersT::IssuersT(Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer, std::uint64_t requestNumber)
+    : requestNumber_(requestNumber) {
     if (issuer) {
         issuers_.insert(issuer);
     }
@@ -9,6 +12,8 @@ IssuersT::IssuersT(Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer) {
 void IssuersT::doCallbacks(Ox::Ptr<iObject>& result, RequestStatus status) {
     ScopedLock const scope(lock_);
     for (Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer : issuers_) {
+        TraceSlice slice("issuers", "callback", requestNumber_);
+        slice.with("status", status);
         issuer->notify(result, status);
     }
     issuers_.clear();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <set>
 
 #include "ole/Ox/OxObject.h"
@@ -15,7 +16,9 @@
 class IssuersT {
 public:
     /// Null is ignored.
-    explicit IssuersT(Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer);
+    ///
+    /// @param requestNumber  what the trace calls the read; 0 if it isn't traced
+    explicit IssuersT(Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer, std::uint64_t requestNumber = 0);
     IssuersT(IssuersT const&) = delete;
     IssuersT& operator=(IssuersT const&) = delete;
 
@@ -38,6 +41,7 @@ private:
         }
     };
 
+    std::uint64_t const requestNumber_;
     std::set<Ox::Ptr<ReadRequestIssuer::Proxy>, ByAddress> issuers_;
     CriticalSection lock_{eLockRank::issuers, "IssuersT"};
 };

@@ -40,13 +40,17 @@ void completePosterRequest(Ox::Ptr<VideoReadRequest>& request, Ox::Ptr<FileReadI
 OxResult PlayFileCache::videoReadRequest(Ox::Ptr<VideoReadRequest>& request, Cookie const& cookie, int frame,
                                          bool /*ignored*/, eResultType resultType, DecodeFormat const& format,
                                          Ox::Ptr<ReadRequestIssuer::Proxy> issuer) {
+    TraceSlice slice(VideoReadRequest::traceCategory, "videoReadRequest");
+    slice.with("frame", frame);
     Ox::Ptr<FileReadInstance> file = Shared()->open(cookie, format, static_cast<unsigned int>(frame));
     std::int32_t const position = positionOf(cookie, frame);
     if (!file) {
         return oxFrameNotAvailable;
     }
+    slice.of(file->filename);
     if (position == 0 && file->metadata->posterSurface.valid()) {
         completePosterRequest(request, file, resultType, format, issuer);
+        slice.about(request->number);
         return oxSuccess;
     }
     if (!isInRange(*file->metadata, position)) {
@@ -57,5 +61,6 @@ OxResult PlayFileCache::videoReadRequest(Ox::Ptr<VideoReadRequest>& request, Coo
     Ox::Ptr<IndexInfoRep> indexInfo;
     file->OxFileIxCache_open(indexInfo, fileFrame);
     request = Ox::makePtr<VideoReadRequest>(file, indexInfo, fileFrame, resultType, format, issuer);
+    slice.about(request->number);
     return file->queueReadRequest(request);
 }

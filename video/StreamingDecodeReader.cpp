@@ -7,6 +7,7 @@
 #include "video/StreamingDecodeReader.h"
 
 #include "ole/os/OS.h"
+#include "playfile/Counters.h"
 #include "toolkit/services/Log.h"
 #include "video/VideoReadRequest.h"
 
@@ -95,8 +96,11 @@ void StreamingDecodeReader::threadFn() {
             batch->getSurface(0, first);
             if (first.valid()) {
                 first.set();
+                PlayFileCounters::add(playFileCounters().streamDoubleDecodes);
                 LogBoth("Double decode of %d\n", static_cast<int>(startFrame));
             } else {
+                TraceSlice slice(VideoReadRequest::traceCategory, "decode");
+                slice.with("frame", startFrame).with("count", batch->getNumFrames()).of(filename);
                 decodeFrames(batch, startFrame);
             }
         }
@@ -131,6 +135,7 @@ bool StreamingDecodeReader::findHeld(unsigned int frame, Ox::Image::Surface& sur
     for (Ox::Ptr<FrameBufferRep>* const batch : {&currentBatch, &previousBatch}) {
         if (framePresent(*batch, frame)) {
             surface = surfaceOf(**batch, frame);
+            PlayFileCounters::add(playFileCounters().streamFramesHeld);
             return true;
         }
     }
@@ -176,6 +181,9 @@ void StreamingDecodeReader::buildBatch(VideoReadRequest const& request, Ox::Imag
     }
     currentBatch = Ox::makePtr<FrameBufferRep>(metadata, start, end, FrameBufferRep::withEvents);
     stampBuffer(*currentBatch, request);
+    PlayFileCounters::add(playFileCounters().streamBatches);
+    PlayFileTrace::step(TraceEvent::requestStep, VideoReadRequest::traceCategory, "batch", request.number,
+                        {"firstFrame", start});
     currentBatch->getSurface(static_cast<std::uint16_t>(frame - start), surface);
     wakeEvent->set();
 }

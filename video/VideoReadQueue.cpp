@@ -39,6 +39,11 @@ FrameRange framesOf(VideoReadRequest const& candidate) {
     return {candidate.frame, candidate.frame};
 }
 
+void trace(TraceEvent::ePhase phase, char const* name, VideoReadRequest const& request,
+           TraceEvent::Fact const& fact = {}) {
+    PlayFileTrace::step(phase, VideoReadRequest::traceCategory, name, request.number, fact);
+}
+
 bool isFinished(RequestStatus status) {
     return status != requestBuilt && status != requestTakenUp;
 }
@@ -64,6 +69,7 @@ unsigned int VideoReadQueue::queueReadRequest(Ptr<VideoReadRequest>& request) {
     {
         ScopedLock const scope(lock());
         if (!queue) {
+            PlayFileCounters::add(playFileCounters().framesFailed);
             request->requestHasCompleted(requestFailed);
             return 1;
         }
@@ -72,6 +78,7 @@ unsigned int VideoReadQueue::queueReadRequest(Ptr<VideoReadRequest>& request) {
             reuseRequest(found, request);
         } else {
             PlayFileCounters::add(playFileCounters().requestsQueued);
+            trace(TraceEvent::requestStep, "queued", *request);
             queue->enqueue(request);
             woken = queue;
         }
@@ -110,6 +117,8 @@ Ptr<VideoReadRequest> VideoReadQueue::findMatchingRequest(Ptr<VideoReadRequest>&
 
 void VideoReadQueue::reuseRequest(Ptr<VideoReadRequest>& existing, Ptr<VideoReadRequest>& request) {
     PlayFileCounters::add(playFileCounters().requestsMerged);
+    trace(TraceEvent::requestStep, "merged", *request, {"into", static_cast<std::int64_t>(existing->number)});
+    trace(TraceEvent::requestEnds, VideoReadRequest::traceName, *request);
     existing->issuers.addIssuersFrom(request->issuers);
     RequestStatus const status = existing->getRequestStatus();
     if (&existing != &request) {
@@ -123,6 +132,8 @@ void VideoReadQueue::reuseRequest(Ptr<VideoReadRequest>& existing, Ptr<VideoRead
 void VideoReadQueue::despatch(Ptr<VideoReadRequest>& request) {
     if (request.useCount() == 1) {
         PlayFileCounters::add(playFileCounters().requestsDropped);
+        trace(TraceEvent::requestStep, "dropped", *request);
+        trace(TraceEvent::requestEnds, VideoReadRequest::traceName, *request);
         return;
     }
     request->setRequestStatus(requestTakenUp);

@@ -10,6 +10,10 @@ bool claimDecompression(FrameBufferRep& buffer) {
     return buffer.decompressStatus.compare_exchange_strong(expected, FrameBufferRep::claimed);
 }
 
+bool hasEnded(RequestStatus status) {
+    return status == requestComplete || status == requestFailed;
+}
+
 }  // namespace
 
 VideoReadRequest::VideoReadRequest(Ox::Ptr<FileReadInstance>& requestedFile,
@@ -19,11 +23,14 @@ VideoReadRequest::VideoReadRequest(Ox::Ptr<FileReadInstance>& requestedFile,
     : DecodeFormat(format),
       frame(requestedFrame),
       indexInfo(requestedIndexInfo),
-      issuers(issuer),
+      issuers(issuer, number),
       resultType(requestedResultType),
-      file(requestedFile) {}
+      file(requestedFile) {
+    PlayFileTrace::step(TraceEvent::requestBegins, traceCategory, traceName, number, {"frame", frame});
+}
 
 void VideoReadRequest::requestHasCompleted(RequestStatus status) {
+    bool const hasEndedBefore = hasEnded(getRequestStatus());
     if (status == requestComplete && !resultBuffer_) {
         status = requestFailed;
     }
@@ -36,6 +43,9 @@ void VideoReadRequest::requestHasCompleted(RequestStatus status) {
         issuers.doCallbacks(result, status);
     }
     setRequestStatus(status);
+    if (!hasEndedBefore) {
+        PlayFileTrace::step(TraceEvent::requestEnds, traceCategory, traceName, number, {"status", status});
+    }
 }
 
 /// Does what is left to do of a buffer that was claimed: nothing more than giving the claim back if the
@@ -48,6 +58,8 @@ RequestStatus VideoReadRequest::decompressResult() {
     }
     Ox::Ptr<iVideoDecoder> const decoder =
         Ox::DecoderInfo::instance().getDecoderFor(resultBuffer_->getVideoDecompressionInfo());
+    TraceSlice slice(traceCategory, "decode", number);
+    slice.with("frame", frame);
     if (decoder && decoder->decompress(resultBuffer_) == 1) {
         return requestComplete;
     }

@@ -5,6 +5,7 @@
 
 #include "files/FileReadInstance.h"
 #include "ole/Ox/OxMemHolder.h"
+#include "playfile/Trace.h"
 #include "toolkit/image/DecodeFormat.h"
 #include "toolkit/image/FrameBufferRep.h"
 #include "toolkit/image/IndexInfoRep.h"
@@ -50,9 +51,14 @@ public:
     /// For readers that must tell the issuers themselves.
     void doCallbacks(Ox::Ptr<iObject>& result, RequestStatus status) { issuers.doCallbacks(result, status); }
 
+    static constexpr char const* traceCategory = "video";
+    static constexpr char const* traceName = "video request";
+
     std::uint32_t const frame;
     /// Empty for a reader without an index cache.
     Ox::Ptr<IndexInfoRep> const indexInfo;
+    /// What the trace calls this request; 0 if it isn't traced.
+    std::uint64_t const number = PlayFileTrace::nextRequest();
     IssuersT issuers;
     eResultType const resultType;
     Ox::Ptr<FileReadInstance> const file;

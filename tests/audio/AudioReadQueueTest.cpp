@@ -257,6 +257,27 @@ TEST_F(AudioReadQueueTest, CountsWhatItAccepts) {
     EXPECT_EQ(playFileCounters().audioRequestsQueued, before + 2);
 }
 
+TEST_F(AudioReadQueueTest, CountsWhatIsReadAndWhatFails) {
+    PlayFileCounters const& counters = playFileCounters();
+    std::uint64_t const read = counters.audioRequestsRead;
+    std::uint64_t const failed = counters.audioReadsFailed;
+    script->answer = [](SoundRead const& asked) {
+        return SoundAnswer{.result = asked.sample == 500 ? oxFailure : oxSuccess, .samplesRead = asked.count};
+    };
+    AudioRequestPtr const good = ask({});
+    AudioRequestPtr const bad = ask({.start = 500});
+    finish();
+    EXPECT_EQ(counters.audioRequestsRead, read + 1);
+    EXPECT_EQ(counters.audioReadsFailed, failed + 1);
+}
+
+TEST_F(AudioReadQueueTest, CountsARequestThatComesAfterShutdownAsFailed) {
+    queue->shutdown(Shutdown::normalExit);
+    std::uint64_t const failed = playFileCounters().audioReadsFailed;
+    ask({});
+    EXPECT_EQ(playFileCounters().audioReadsFailed, failed + 1);
+}
+
 TEST_F(AudioReadQueueTest, ServesWhatWaitsAtShutdown) {
     occupyWorker();
     AudioRequestPtr const request = ask({.issuer = &issuer});

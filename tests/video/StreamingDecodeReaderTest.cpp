@@ -5,6 +5,7 @@
 
 #include <thread>
 
+#include "playfile/Counters.h"
 #include "tests/fakes/CallLog.h"
 #include "tests/fakes/ForwardingOS.h"
 #include "tests/fakes/ForwardingThreadService.h"
@@ -250,6 +251,27 @@ TEST_F(StreamingDecodeReaderTest, ARunThatIsDecodedIsNotDecodedAgainOnlyLogged) 
     EXPECT_TRUE(log.written.waitForArrivals(2));
     EXPECT_EQ(calls->with("Double"), loggedToBoth("Double decode of 4\n"));
     EXPECT_THAT(stream->decoded(), ElementsAre(Batch{4, 4}));
+}
+
+TEST_F(StreamingDecodeReaderTest, CountsTheBatchesAndWhatWasHandedOutOfOneThatIsHeld) {
+    PlayFileCounters const& counters = playFileCounters();
+    std::uint64_t const batches = counters.streamBatches;
+    std::uint64_t const held = counters.streamFramesHeld;
+    for (unsigned const frame : {4, 5, 8, 6, 7}) {
+        picture(frame);
+    }
+    EXPECT_EQ(counters.streamBatches, batches + 2);
+    EXPECT_EQ(counters.streamFramesHeld, held + 3);
+}
+
+TEST_F(StreamingDecodeReaderTest, CountsADoubleDecode) {
+    std::uint64_t const before = playFileCounters().streamDoubleDecodes;
+    picture(4);
+    stream->waitUntilIdle();
+    LogWithGate log(calls);
+    stream->wake();
+    EXPECT_TRUE(log.written.waitForArrivals(2));
+    EXPECT_EQ(playFileCounters().streamDoubleDecodes, before + 1);
 }
 
 TEST_F(StreamingDecodeReaderTest, ADoubleDecodeFinishesTheFirstFrameOnly) {

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "playfile/Counters.h"
 #include "playfile/Settings.h"
 #include "tests/video/QueueFixture.h"
 
@@ -241,6 +242,39 @@ TEST_F(VideoReadQueueTest, IsHarmlessToPurgeAndLimitAfterShutdown) {
     queue.purge();
     EXPECT_EQ(queue.getActiveCount(), 0U);
     EXPECT_EQ(queue.getPendingCount(), 0U);
+}
+
+TEST_F(VideoReadQueueTest, CountsWhatBecomesOfItsRequests) {
+    PlayFileCounters const& counters = playFileCounters();
+    std::uint64_t const queued = counters.requestsQueued;
+    std::uint64_t const merged = counters.requestsMerged;
+    std::uint64_t const dropped = counters.requestsDropped;
+    occupyWorker();
+    RequestPtr const held = ask(5);
+    RequestPtr const joined = ask(5);
+    ask(6);
+    finish();
+    EXPECT_EQ(counters.requestsQueued, queued + 3);
+    EXPECT_EQ(counters.requestsMerged, merged + 1);
+    EXPECT_EQ(counters.requestsDropped, dropped + 1);
+}
+
+TEST_F(VideoReadQueueTest, CountsTheFramesThatAreReadAndThoseThatFail) {
+    PlayFileCounters const& counters = playFileCounters();
+    std::uint64_t const readBefore = counters.framesRead;
+    std::uint64_t const failed = counters.framesFailed;
+    script->answer = [](std::uint32_t frame) { return frame == 5 ? 3U : 2U; };
+    read(5);
+    read(6);
+    EXPECT_EQ(counters.framesRead, readBefore + 1);
+    EXPECT_EQ(counters.framesFailed, failed + 1);
+}
+
+TEST_F(VideoReadQueueTest, CountsARequestThatComesAfterShutdownAsFailed) {
+    queue.shutdown(Shutdown::normalExit);
+    std::uint64_t const failed = playFileCounters().framesFailed;
+    ask(5);
+    EXPECT_EQ(playFileCounters().framesFailed, failed + 1);
 }
 
 TEST_F(VideoReadQueueTest, FailsARequestThatComesAfterShutdown) {

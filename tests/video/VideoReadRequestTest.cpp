@@ -9,6 +9,7 @@
 #include "tests/fakes/ByteHolder.h"
 #include "tests/fakes/RecordingIssuer.h"
 #include "tests/fakes/ScriptedFile.h"
+#include "tests/support/TraceFile.h"
 #include "toolkit/plugins/DecoderInfo.h"
 
 namespace {
@@ -99,6 +100,15 @@ protected:
     RecordingIssuer issuer;
     Ox::Ptr<CountingDecoder> decoder;
 };
+
+class VideoReadRequestTrace : protected TraceFile, public VideoReadRequestTest {};
+
+TEST_F(VideoReadRequestTrace, TellsTheDecodingOfItsResult) {
+    addDecoder(1);
+    auto const request = makeCompressed(resultDecompressed);
+    request->requestHasCompleted(requestComplete);
+    EXPECT_EQ(only("decode")["args"], (Json{{"request", request->number}, {"frame", 7}}));
+}
 
 TEST_F(VideoReadRequestTest, StartsWithWhatItWasMadeFrom) {
     auto info = Ox::makePtr<IndexInfoRep>();

@@ -35,7 +35,25 @@ Json describeSoundQueue(PlayFileCounters const& counters) {
     json["dropped"] = counters.audioRequestsDropped.load();
     json["readsOfAStream"] = counters.audioStreamReads.load();
     json["servedFromMemory"] = counters.audioChannelHits.load();
+    json["read"] = counters.audioRequestsRead.load();
     json["failed"] = counters.audioReadsFailed.load();
+    return json;
+}
+
+Json describeStreams(PlayFileCounters const& counters) {
+    Json json;
+    json["batches"] = counters.streamBatches.load();
+    json["framesDecoded"] = counters.streamFramesDecoded.load();
+    json["framesFromHeldBatches"] = counters.streamFramesHeld.load();
+    json["doubleDecodes"] = counters.streamDoubleDecodes.load();
+    return json;
+}
+
+Json describePreOpens(PlayFileCounters const& counters) {
+    Json json;
+    json["queued"] = counters.preOpensQueued.load();
+    json["opened"] = counters.preOpensOpened.load();
+    json["failed"] = counters.preOpensFailed.load();
     return json;
 }
 
@@ -65,6 +83,8 @@ Json describeStatistics() {
     json["files"] = describeCache(counters);
     json["requests"] = describeQueue(counters);
     json["soundRequests"] = describeSoundQueue(counters);
+    json["streamedDecoding"] = describeStreams(counters);
+    json["preOpens"] = describePreOpens(counters);
     json["times"] = describeTimes();
     return json;
 }
