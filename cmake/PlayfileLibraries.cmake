@@ -24,6 +24,7 @@ endif()
 playfile_glob(sources
     ole/Ox/*.cpp playfile/*.cpp files/*.cpp video/*.cpp audio/*.cpp header/*.cpp material/*.cpp
     transfer/*.cpp)
+list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
 playfile_add_library(playfile ${sources})
 if(TARGET playfile)
     target_compile_definitions(playfile PRIVATE PLAYFILE_VERSION_STRING="${PROJECT_VERSION}")

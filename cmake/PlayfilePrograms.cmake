@@ -14,6 +14,11 @@ function(playfile_add_program target file_name)
         INSTALL_RPATH "$ORIGIN/../lib")
 endfunction()
 
+# Shows how values of headers are searched for.
+if(EXISTS "${CMAKE_SOURCE_DIR}/header/main.cpp")
+    playfile_add_program(playfile_header_search playfile_header_search "${CMAKE_SOURCE_DIR}/header/main.cpp")
+endif()
+
 # All of the command but its main function is a library, so that tests reach its parts.
 playfile_glob(sources tools/playfile/*.cpp)
 list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")

@@ -24,14 +24,17 @@ target_compile_definitions(playfile_test_support ${scope}
     PLAYFILE_TEST_PLUGIN_DIR="${PLAYFILE_TEST_DIR}/plugins"
     PLAYFILE_TEST_MEDIA_DIR="${PLAYFILE_TEST_MEDIA_DIR}"
     PLAYFILE_BUILD_PLUGIN_DIR="${PLAYFILE_PLUGIN_DIR}"
-    PLAYFILE_CLI="${CMAKE_BINARY_DIR}/bin/playfile")
+    PLAYFILE_CLI="${CMAKE_BINARY_DIR}/bin/playfile"
+    PLAYFILE_HEADER_SEARCH="${CMAKE_BINARY_DIR}/bin/playfile_header_search")
 
 # All that a test may load or start.
 add_custom_target(playfile_test_parts)
 add_dependencies(playfile_test_parts playfile_plugins)
-if(TARGET playfile_cli)
-    add_dependencies(playfile_test_parts playfile_cli)
-endif()
+foreach(program playfile_cli playfile_header_search)
+    if(TARGET ${program})
+        add_dependencies(playfile_test_parts ${program})
+    endif()
+endforeach()
 
 # Plug-ins that only tests load.
 playfile_glob(sources tests/plugins/*.cpp)
