@@ -15,6 +15,8 @@
 #include "toolkit/image/ReadRequestIssuer.h"
 #include "toolkit/services/RequestStatus.h"
 
+class FileWriteInstance;
+
 /// The open media files of the process.
 ///
 /// Everybody who reads a clip goes through it: a file is opened once for each open type and shared. It
@@ -59,6 +61,15 @@ public:
                                                    unsigned int streamIndex);
     /// Frames for a 'V' cookie, audio samples for an 'S' one; 0 for any other or without a file.
     [[nodiscard]] static std::uint64_t getSampleCount(Cookie const& cookie);
+
+    /// Makes the file of a clip's new material, files it in the catalogue and stores its header. It isn't
+    /// kept in the cache.
+    ///
+    /// @return  empty on failure, which is told on the console unless it is that of the header
+    /// Deliberate  A cookie of no medium gets its file all the same, without entry and header. After the
+    ///             failure of a header the file and its entry stay.
+    [[nodiscard]] static Ox::Ptr<FileWriteInstance> create(Cookie const& cookie,
+                                                           Ox::FileWriterParams const& params);
 
     /// Closes the files that were unused longest until at most `bound` are open or none can go.
     void limitUsage(unsigned int bound);

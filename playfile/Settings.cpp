@@ -10,6 +10,7 @@ constexpr int defaultReaderThreads = 4;
 constexpr int defaultReadPollDelayMs = 50;
 constexpr int defaultCacheSizeMin = 2;
 constexpr int defaultCacheSizeMax = 4;
+constexpr int defaultMaxAudioChannels = 32;
 
 /// No range is in force for any setting.
 int readSetting(char const* key, int defaultValue) {
@@ -30,6 +31,10 @@ int getReadPollDelay() {
 
 int readCacheSizeMin() {
     return readSetting("playfileCacheSizeMin", defaultCacheSizeMin);
+}
+
+int readMaxAudioChannels() {
+    return readSetting("max_audio_chans_in_shot", defaultMaxAudioChannels);
 }
 
 int readCacheSizeMax() {

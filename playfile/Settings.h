@@ -11,5 +11,9 @@
 /// The setting `playfileCacheSizeMin`: how many files stay open when memory is wanted.
 [[nodiscard]] int readCacheSizeMin();
 
+/// The setting `max_audio_chans_in_shot`: how many channels of sound are looked at when a clip's material is
+/// deleted. Read on each call.
+[[nodiscard]] int readMaxAudioChannels();
+
 /// The setting `playfileCacheSizeMax`: how many files may be open before another is opened.
 [[nodiscard]] int readCacheSizeMax();

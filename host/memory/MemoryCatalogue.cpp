@@ -10,6 +10,11 @@ namespace {
 constinit std::atomic<SystemCache*> installedCatalogue{nullptr};
 constinit std::atomic<MaterialInfo::iStore*> installedStore{nullptr};
 
+MaterialInfo::iStore& storeInForce() {
+    MaterialInfo::iStore* const installed = installedStore.load(std::memory_order_acquire);
+    return installed != nullptr ? *installed : MemoryCatalogue::instance();
+}
+
 bool isSameTypeOfClip(Cookie const& a, Cookie const& b) {
     return a.uuid() == b.uuid() && a.type() == b.type();
 }
@@ -127,6 +132,22 @@ std::int32_t MemoryCatalogue::getStartOffset(Cookie const& cookie) {
     return found == startOffsets_.end() ? 0 : found->second;
 }
 
+bool MemoryCatalogue::writeHeader(Cookie const& cookie, SAV_HEADER const& header) {
+    std::lock_guard const scope(lock_);
+    headers_[cookie] = header;
+    return true;
+}
+
+bool MemoryCatalogue::readHeader(Cookie const& cookie, SAV_HEADER& header) {
+    std::lock_guard const scope(lock_);
+    auto const found = headers_.find(cookie);
+    if (found == headers_.end()) {
+        return false;
+    }
+    header = found->second;
+    return true;
+}
+
 void MemoryCatalogue::add(Cookie const& cookie, LightweightString<wchar_t> const& filename,
                           eProxyLevel level) {
     MediaFileInfo file(MaterialFilename(DriveId::none, filename), 0);
@@ -170,8 +191,15 @@ SystemCache* SystemCache::install(SystemCache* catalogue) noexcept {
 }
 
 std::int32_t MaterialInfo::get_start_offset(Cookie const& cookie) {
-    iStore* const installed = installedStore.load(std::memory_order_acquire);
-    return installed ? installed->getStartOffset(cookie) : MemoryCatalogue::instance().getStartOffset(cookie);
+    return storeInForce().getStartOffset(cookie);
+}
+
+int MaterialInfo::write_header(Cookie const& cookie, SAV_HEADER const& header) {
+    return storeInForce().writeHeader(cookie, header) ? 0 : failed;
+}
+
+bool MaterialInfo::read_header(Cookie const& cookie, SAV_HEADER& header) {
+    return storeInForce().readHeader(cookie, header);
 }
 
 MaterialInfo::iStore* MaterialInfo::install(iStore* store) noexcept {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "header/SavHeader.h"
 #include "toolkit/catalogue/MaterialInfo.h"
 #include "toolkit/catalogue/SystemCache.h"
 
@@ -17,9 +18,12 @@ public:
                                          DecodeFormat const& format) override;
     [[nodiscard]] Ox::Ptr<FsysDirectoryEntry> findEntryForCookie(Cookie const& cookie) override;
     [[nodiscard]] std::vector<Ox::Ptr<FsysDirectoryEntry>> getClipMediaFiles(Cookie const& clip) override;
+    using SystemCache::addFile;
     void addFile(Cookie const& cookie, MediaFileInfo const& file, bool option = false) override;
     OxResult removeFile(Cookie const& cookie, eMediaTypes types, bool option = false) override;
     [[nodiscard]] std::int32_t getStartOffset(Cookie const& cookie) override;
+    bool writeHeader(Cookie const& cookie, SAV_HEADER const& header) override;
+    [[nodiscard]] bool readHeader(Cookie const& cookie, SAV_HEADER& header) override;
 
     /// Says which file, of no drive, holds a cookie at a level; what it said before is forgotten.
     void add(Cookie const& cookie, LightweightString<wchar_t> const& filename,
@@ -44,4 +48,5 @@ private:
     std::mutex lock_;
     Entries entries_;
     std::map<Cookie, std::int32_t> startOffsets_;
+    std::map<Cookie, SAV_HEADER> headers_;
 };

@@ -1,6 +1,7 @@
 #include "host/memory/MemoryEditStore.h"
 
 #include <atomic>
+#include <memory>
 #include <numeric>
 #include <optional>
 
@@ -35,12 +36,31 @@ public:
         return cookies;
     }
 
+    [[nodiscard]] Cookie getCookie() const override { return cookie_; }
+    [[nodiscard]] bool wantsAudioMetadata() const override {
+        std::lock_guard const scope(sound_->lock);
+        return audioCount != 0 && sound_->streams.empty();
+    }
+    void setAudioMetadata(std::vector<Aud::Metadata> const& streams) override {
+        std::lock_guard const scope(sound_->lock);
+        sound_->streams = streams;
+    }
+    [[nodiscard]] Aud::SampleRate getAudioInputSampleRate() const override { return audioRate; }
+
     std::optional<configb> settings;
     std::uint32_t videoCount = 0;
     std::uint32_t audioCount = 0;
+    Aud::SampleRate audioRate;
 
 private:
+    /// What its sound is: every copy of the clip knows it as soon as one is told.
+    struct Sound {
+        std::mutex lock;
+        std::vector<Aud::Metadata> streams;
+    };
+
     Cookie const cookie_;
+    std::shared_ptr<Sound> const sound_ = std::make_shared<Sound>();
 };
 
 MemoryEditStore::MemoryEditStore() = default;
@@ -84,6 +104,11 @@ void MemoryEditStore::setChannels(Cookie const& cookie, std::uint32_t videoChann
     StoredEdit& edit = change(cookie);
     edit.videoCount = videoChannels;
     edit.audioCount = audioChannels;
+}
+
+void MemoryEditStore::setAudioInputSampleRate(Cookie const& cookie, Aud::SampleRate rate) {
+    std::lock_guard const scope(lock_);
+    change(cookie).audioRate = rate;
 }
 
 void MemoryEditStore::remove(Cookie const& cookie) {

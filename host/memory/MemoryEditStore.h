@@ -23,6 +23,8 @@ public:
     /// Says how many channels a clip has, which is added if it isn't there. It refers to the clip's own
     /// cookies of these channels.
     void setChannels(Cookie const& cookie, std::uint32_t videoChannels, std::uint32_t audioChannels);
+    /// Says at which rate a clip's sound was recorded; the clip is added if it isn't there.
+    void setAudioInputSampleRate(Cookie const& cookie, Aud::SampleRate rate);
     void remove(Cookie const& cookie);
     /// How many clips are open.
     [[nodiscard]] int getOpenCount();

@@ -18,6 +18,7 @@ struct MessageTypes {
 struct Drives {
     std::mutex lock;
     std::map<DriveId, LightweightString<wchar_t>> roots;
+    std::map<std::string, DriveId> driveOfTask;
 };
 
 using RepositoryListeners = Listeners<iAssetRepository::Event>;
@@ -38,6 +39,22 @@ void DiskManager::setDriveRoot(DriveId const& drive, LightweightString<wchar_t> 
     std::lock_guard const scope(drives.lock);
     LightweightString<wchar_t> const separator(L"/");
     drives.roots[drive] = !root.empty() && root.view().back() == L'/' ? root : root + separator;
+}
+
+void DiskManager::setDriveForTask(char const* task, DriveId const& drive) {
+    auto& drives = immortal<Drives>();
+    std::lock_guard const scope(drives.lock);
+    drives.driveOfTask[task] = drive;
+}
+
+DriveId DiskManager::getDriveForTask(char const* task, bool) const {
+    auto& drives = immortal<Drives>();
+    std::lock_guard const scope(drives.lock);
+    auto const named = drives.driveOfTask.find(task);
+    if (named != drives.driveOfTask.end()) {
+        return named->second;
+    }
+    return drives.roots.empty() ? DriveId() : drives.roots.begin()->first;
 }
 
 void DiskManager::removeDrive(DriveId const& drive) {

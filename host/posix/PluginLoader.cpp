@@ -31,6 +31,9 @@ public:
     void addAudioDecoder(Ox::Ptr<Ox::AudioDecoderInfo> const& decoder, int priority) override {
         audioDecoders_.emplace_back(decoder, priority);
     }
+    void addFileWriter(Ox::Ptr<Ox::FileWriterInfo> const& writer, int priority) override {
+        writers_.emplace_back(writer, priority);
+    }
 
     void commit() const {
         for (auto const& [reader, priority] : readers_) {
@@ -48,6 +51,9 @@ public:
         for (auto const& [decoder, priority] : audioDecoders_) {
             Ox::AudioDecoderInfo::add(decoder, priority);
         }
+        for (auto const& [writer, priority] : writers_) {
+            Ox::FileWriterInfo::add(writer, priority);
+        }
     }
 
 private:
@@ -55,6 +61,7 @@ private:
     std::vector<Ox::Ptr<iVideoDecoder>> decoders_;
     std::vector<Ox::Ptr<CodecPool::iKeeper>> keepers_;
     std::vector<std::pair<Ox::Ptr<Ox::AudioDecoderInfo>, int>> audioDecoders_;
+    std::vector<std::pair<Ox::Ptr<Ox::FileWriterInfo>, int>> writers_;
 };
 
 struct Loader {

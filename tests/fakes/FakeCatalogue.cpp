@@ -4,18 +4,29 @@
 
 class FakeEdit : public Edit {
 public:
-    explicit FakeEdit(std::unique_ptr<configb> settings) : settings_(std::move(settings)) {}
+    FakeEdit(Cookie const& cookie, std::shared_ptr<CallLog> calls, std::unique_ptr<configb> settings)
+        : cookie_(cookie), calls_(std::move(calls)), settings_(std::move(settings)) {}
+    [[nodiscard]] Cookie getCookie() const override { return cookie_; }
+    [[nodiscard]] bool wantsAudioMetadata() const override { return wantsAudio; }
+    void setAudioMetadata(std::vector<Aud::Metadata> const& streams) override {
+        calls_->add("edit.setAudioMetadata " + std::to_string(streams.size()));
+    }
+    [[nodiscard]] Aud::SampleRate getAudioInputSampleRate() const override { return audioRate; }
     [[nodiscard]] configb const* getDecodeSettings() const override { return settings_.get(); }
     void getChans(Vector<int>& channels, std::uint32_t kind, std::uint32_t) const override {
         channels.assign(kind == Edit::videoChannels ? videoChannels : audioChannels, 0);
     }
     [[nodiscard]] CookieVec getReferences(std::uint32_t) const override { return references; }
 
+    bool wantsAudio = false;
+    Aud::SampleRate audioRate;
     std::size_t videoChannels = 0;
     std::size_t audioChannels = 0;
     CookieVec references;
 
 private:
+    Cookie const cookie_;
+    std::shared_ptr<CallLog> const calls_;
     std::unique_ptr<configb> const settings_;
 };
 
@@ -51,7 +62,7 @@ void FakeCatalogue::setStartOffset(Cookie const& cookie, std::int32_t offset) {
 
 void FakeCatalogue::addEdit(Cookie const& cookie, std::unique_ptr<configb> settings) {
     std::lock_guard const scope(lock_);
-    edits_[textOf(cookie)] = Ox::makePtr<FakeEdit>(std::move(settings));
+    edits_[textOf(cookie)] = Ox::makePtr<FakeEdit>(cookie, calls_, std::move(settings));
 }
 
 int FakeCatalogue::openEdits() const {
@@ -82,6 +93,24 @@ void FakeCatalogue::setChannels(Cookie const& cookie, std::size_t videoChannels,
     FakeEdit& edit = *edits_.at(textOf(cookie));
     edit.videoChannels = videoChannels;
     edit.audioChannels = audioChannels;
+}
+
+void FakeCatalogue::wantAudioMetadata(Cookie const& cookie) {
+    std::lock_guard const scope(lock_);
+    edits_.at(textOf(cookie))->wantsAudio = true;
+}
+
+void FakeCatalogue::setAudioRate(Cookie const& cookie, Aud::SampleRate rate) {
+    std::lock_guard const scope(lock_);
+    edits_.at(textOf(cookie))->audioRate = rate;
+}
+
+void FakeCatalogue::modified(Edit&, LightweightString<char> const& description) {
+    calls_->add("edit.modified \"" + description.str() + "\"");
+}
+
+void FakeCatalogue::updateRecord(Cookie const& cookie) {
+    calls_->add("edit.updateRecord " + textOf(cookie));
 }
 
 void FakeCatalogue::setReferences(Cookie const& cookie, std::vector<Cookie> const& references) {
@@ -125,7 +154,18 @@ OxResult FakeCatalogue::removeFile(Cookie const& cookie, eMediaTypes types, bool
                 std::to_string(option));
     std::lock_guard const scope(lock_);
     entries_.erase(textOf(cookie));
-    return oxSuccess;
+    return removal;
+}
+
+void FakeCatalogue::addFile(Cookie const& cookie, MaterialFilename const& material, bool option) {
+    calls_->add("catalogue.addMaterial " + textOf(cookie) + " " + material.getDrive().letter() + " " +
+                narrow(material.getPath()) + " " + std::to_string(option));
+}
+
+bool FakeCatalogue::writeHeader(Cookie const& cookie, SAV_HEADER const& written) {
+    calls_->add("material.writeHeader " + textOf(cookie));
+    header = written;
+    return takesHeaders;
 }
 
 std::int32_t FakeCatalogue::getStartOffset(Cookie const& cookie) {

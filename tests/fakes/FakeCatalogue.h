@@ -6,6 +6,7 @@
 #include <mutex>
 #include <string>
 
+#include "header/SavHeader.h"
 #include "tests/fakes/CallLog.h"
 #include "toolkit/catalogue/MaterialInfo.h"
 #include "toolkit/catalogue/SystemCache.h"
@@ -34,11 +35,26 @@ public:
     /// Clips that are open at this moment.
     [[nodiscard]] int openEdits() const;
 
+    /// What `removeFile` answers.
+    OxResult removal = oxSuccess;
+    /// False: no header can be stored.
+    bool takesHeaders = true;
+    /// The last one that was stored.
+    SAV_HEADER header;
+
     /// Run at the start of each look-up of a file; set before it is used.
     std::function<void()> onFind;
 
     /// Says how many channels a clip has that can be opened.
     void setChannels(Cookie const& cookie, std::size_t videoChannels, std::size_t audioChannels);
+    /// Makes a clip want to know what its sound is. What it is told is recorded as "edit.setAudioMetadata"
+    /// with the number of streams.
+    void wantAudioMetadata(Cookie const& cookie);
+    /// Says at which rate a clip's sound was recorded.
+    void setAudioRate(Cookie const& cookie, Aud::SampleRate rate);
+    void modified(Edit& edit, LightweightString<char> const& description) override;
+    void updateRecord(Cookie const& cookie) override;
+
     /// Says which media files a clip refers to.
     void setReferences(Cookie const& cookie, std::vector<Cookie> const& references);
     /// Files the whole entry of a cookie.
@@ -48,6 +64,8 @@ public:
     Ox::Ptr<FsysDirectoryEntry> findEntryForCookie(Cookie const& cookie) override;
     std::vector<Ox::Ptr<FsysDirectoryEntry>> getClipMediaFiles(Cookie const& clip) override;
     void addFile(Cookie const& cookie, MediaFileInfo const& file, bool option) override;
+    void addFile(Cookie const& cookie, MaterialFilename const& material, bool option) override;
+    bool writeHeader(Cookie const& cookie, SAV_HEADER const& header) override;
     OxResult removeFile(Cookie const& cookie, eMediaTypes types, bool option) override;
     bool findFileForCookie(Cookie const& cookie, LightweightString<wchar_t>& filename,
                            DecodeFormat const& format) override;

@@ -28,6 +28,10 @@ public:
     bool opensFiles = true;
     /// False makes every renaming fail.
     bool renames = true;
+    /// What every deleting answers.
+    bool deletes = false;
+    /// The size of every file that exists.
+    std::uint64_t fileSize = 0;
     /// Renamings that succeed before the others fail.
     int renamesAtMost = 1000;
     /// Makes the mounted name of a name; as it comes: the same.
@@ -45,7 +49,11 @@ public:
         calls_->add("fm.rename " + narrow(from) + " " + narrow(to) + " " + std::to_string(replaceExisting));
         return renames && renamesAtMost-- > 0;
     }
-    bool deleteFile(LightweightString<wchar_t> const&) override { return false; }
+    /// Recorded as "fm.delete name".
+    bool deleteFile(LightweightString<wchar_t> const& path) override {
+        calls_->add("fm.delete " + narrow(path));
+        return deletes;
+    }
     bool fileExists(LightweightString<wchar_t> const& path) override;
     bool isRemote(LightweightString<wchar_t> const&) override { return false; }
     DirectoryItem getFileInfo(LightweightString<wchar_t> const&) override { return {}; }
@@ -54,7 +62,9 @@ public:
     Ox::Ptr<iFile> openFile(LightweightString<wchar_t> const& name, std::uint32_t access,
                             std::uint32_t behaviour, std::uint32_t share, std::uint32_t option) override;
     Ox::Ptr<iVolume> getVolume(LightweightString<wchar_t> const&) override { return {}; }
-    std::uint64_t getFileSize(LightweightString<wchar_t> const&) override { return 0; }
+    std::uint64_t getFileSize(LightweightString<wchar_t> const& path) override {
+        return files_.count(narrow(path)) != 0 ? fileSize : 0;
+    }
     LightweightString<wchar_t> getMountedFilename(LightweightString<wchar_t> const& name) override;
     LightweightString<wchar_t> getDisplayFilename(LightweightString<wchar_t> const& name) override;
 

@@ -50,6 +50,13 @@ public:
     /// With its closing separator; empty for a drive that isn't there.
     [[nodiscard]] LightweightString<wchar_t> getDriveRoot(DriveId const& drive) const;
 
+    /// Says which drive new files of a task ("render", "import") go to.
+    void setDriveForTask(char const* task, DriveId const& drive);
+    /// The drive for a task: the one that was named, else the first there is, else none.
+    ///
+    /// @param option  always true
+    [[nodiscard]] DriveId getDriveForTask(char const* task, bool option) const;
+
     [[nodiscard]] Ox::Ptr<Ox::Guard> addListener(Ox::Ptr<Listener> const& listener);
     void notify(DiskNotification const& notification);
 };

@@ -4,6 +4,8 @@
 
 #include "toolkit/catalogue/Cookie.h"
 
+struct SAV_HEADER;
+
 /// What is stored with a piece of material beside its media.
 ///
 /// Threads  Any; the installed store takes its locks innermost.
@@ -15,10 +17,23 @@ public:
         virtual ~iStore() = default;
         /// Samples by which the clip's time line begins behind its media's start; 0 if unknown.
         [[nodiscard]] virtual std::int32_t getStartOffset(Cookie const& cookie) = 0;
+        /// Stores the header of a piece of material, in place of the one before; false on failure.
+        virtual bool writeHeader(Cookie const& /*cookie*/, SAV_HEADER const& /*header*/) { return false; }
+        /// False, and the header untouched, if there is none.
+        [[nodiscard]] virtual bool readHeader(Cookie const& /*cookie*/, SAV_HEADER& /*header*/) {
+            return false;
+        }
     };
+
+    static constexpr int failed = -1;
 
     /// See `iStore::getStartOffset`.
     [[nodiscard]] static std::int32_t get_start_offset(Cookie const& cookie);
+
+    /// Stores a header; `failed` on failure, else 0.
+    [[nodiscard]] static int write_header(Cookie const& cookie, SAV_HEADER const& header);
+    /// See `iStore::readHeader`.
+    [[nodiscard]] static bool read_header(Cookie const& cookie, SAV_HEADER& header);
 
     /// Puts `store` in force, null for the host's own, and gives back the one before, null for the host's
     /// own. Not owned.

@@ -44,6 +44,13 @@ public:
     /// Files a media file under a cookie: a proxy beside those that are there, an original in place of the
     /// one before. @param option  always false
     virtual void addFile(Cookie const& /*cookie*/, MediaFileInfo const& /*file*/, bool /*option*/ = false) {}
+    /// Files the media file at a place on a drive. The place may be named without the extension: then it is
+    /// the first of the known ones under which there is a file.
+    virtual void addFile(Cookie const& cookie, MaterialFilename const& material, bool option = false);
+    /// True if anything is known of the cookie.
+    [[nodiscard]] virtual bool fileExists(Cookie const& cookie) {
+        return static_cast<bool>(findEntryForCookie(cookie));
+    }
     /// Forgets files of a cookie, and deletes what lies at their own place in the catalogue; what a link
     /// points to is never touched.
     ///
@@ -54,6 +61,10 @@ public:
         return oxFailure;
     }
 };
+
+/// Where new material of a cookie belongs on a drive: in the folder of its medium, under its name, without an
+/// extension. Of no drive it is a name in the process's current folder.
+[[nodiscard]] MaterialFilename getMaterialFilenameForCookie(Cookie const& cookie, DriveId const& drive);
 
 /// Where the picture of a channel's course is kept, which an editor draws of its sound.
 [[nodiscard]] LightweightString<wchar_t> getWaveformDataFileFor(Cookie const& cookie);

@@ -6,6 +6,8 @@
 #include "ole/Ox/OxObject.h"
 #include "toolkit/catalogue/Cookie.h"
 #include "toolkit/services/ConfigB.h"
+#include "toolkit/sound/AudioMetadata.h"
+#include "toolkit/sound/SampleRate.h"
 
 template <class T>
 using Vector = std::vector<T>;
@@ -32,6 +34,14 @@ public:
     virtual void getChans(Vector<int>& channels, std::uint32_t /*kind*/, std::uint32_t /*mask*/) const {
         channels.clear();
     }
+    /// Its own cookie.
+    [[nodiscard]] virtual Cookie getCookie() const { return {}; }
+    /// True if the clip doesn't know yet what its sound is.
+    [[nodiscard]] virtual bool wantsAudioMetadata() const { return false; }
+    virtual void setAudioMetadata(std::vector<Aud::Metadata> const& /*streams*/) {}
+    /// The rate of its sound as it was recorded; none if it isn't known.
+    [[nodiscard]] virtual Aud::SampleRate getAudioInputSampleRate() const { return {}; }
+
     /// The cookies that the clip refers to.
     [[nodiscard]] virtual CookieVec getReferences(std::uint32_t /*kind*/) const { return {}; }
 };
@@ -46,6 +56,10 @@ public:
     [[nodiscard]] virtual Ox::Ptr<Edit> open(Cookie const& cookie) = 0;
     /// Told once for each clip that `open` gave.
     virtual void close(Edit& edit) = 0;
+    /// Told when somebody who has changed a clip is done. @param description  of the change; may be empty
+    virtual void modified(Edit& /*edit*/, LightweightString<char> const& /*description*/) {}
+    /// Told that what is kept of a clip for searching is to be brought up to date.
+    virtual void updateRecord(Cookie const& /*cookie*/) {}
 
     [[nodiscard]] static iEditStore* instance() noexcept;
     /// Puts `store` in force, null for the host's own, and gives back the one before, null for the host's

@@ -7,6 +7,7 @@
 #include "toolkit/plugins/AudioDecoderInfo.h"
 #include "toolkit/plugins/DecoderInfo.h"
 #include "toolkit/plugins/FileReaderInfo.h"
+#include "toolkit/plugins/FileWriterInfo.h"
 
 /// Takes what a plug-in offers. What is added goes to the registries when the entry point has answered
 /// success, and to none of them otherwise.
@@ -19,13 +20,15 @@ public:
     virtual void addCodecKeeper(Ox::Ptr<CodecPool::iKeeper> const& keeper) = 0;
     /// @param priority  lower numbers are tried first; 100 is usual
     virtual void addAudioDecoder(Ox::Ptr<Ox::AudioDecoderInfo> const& decoder, int priority) = 0;
+    /// @param priority  lower numbers are asked first; 100 is usual
+    virtual void addFileWriter(Ox::Ptr<Ox::FileWriterInfo> const& writer, int priority) = 0;
 
 protected:
     ~iPluginRegistrar() = default;
 };
 
 /// Raised whenever a plug-in built against older headers would no longer work.
-inline constexpr std::uint32_t pluginInterfaceVersion = 2;
+inline constexpr std::uint32_t pluginInterfaceVersion = 3;
 
 /// The entry point that every plug-in exports under the name `playfile_registerPlugin`.
 ///

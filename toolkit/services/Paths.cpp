@@ -13,24 +13,37 @@ std::size_t nameStart(std::wstring_view path) {
     return last == std::wstring_view::npos ? 0 : last + 1;
 }
 
+/// Where the full stop before the extension stands, the path's end if it has none. A name that begins with its
+/// only full stop has none.
+std::size_t extensionStart(std::wstring_view path) {
+    std::size_t const dot = path.rfind(fullStop);
+    return dot == std::wstring_view::npos || dot <= nameStart(path) ? path.size() : dot;
+}
+
 }  // namespace
 
 LightweightString<wchar_t> getPath(LightweightString<wchar_t> const& path) {
     return LightweightString<wchar_t>(path.view().substr(0, nameStart(path.view())));
 }
 
-/// A name that begins with its only full stop has no extension.
 LightweightString<wchar_t> getExtension(LightweightString<wchar_t> const& path, bool withDot) {
-    std::wstring_view const name = path.view().substr(nameStart(path.view()));
-    std::size_t const dot = name.rfind(fullStop);
-    if (dot == std::wstring_view::npos || dot == 0) {
+    std::size_t const dot = extensionStart(path.view());
+    if (dot == path.view().size()) {
         return {};
     }
-    return LightweightString<wchar_t>(name.substr(withDot ? dot : dot + 1));
+    return LightweightString<wchar_t>(path.view().substr(withDot ? dot : dot + 1));
+}
+
+LightweightString<wchar_t> stripExtension(LightweightString<wchar_t> const& path) {
+    return LightweightString<wchar_t>(path.view().substr(0, extensionStart(path.view())));
 }
 
 LightweightString<wchar_t> stripPath(LightweightString<wchar_t> const& path) {
     return LightweightString<wchar_t>(path.view().substr(nameStart(path.view())));
+}
+
+std::uint64_t fileSize(LightweightString<wchar_t> const& path) {
+    return OS()->getFileManager().getFileSize(path);
 }
 
 bool fileExists(LightweightString<wchar_t> const& path) {

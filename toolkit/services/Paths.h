@@ -7,7 +7,11 @@
 /// The extension of the last component, without its full stop unless `withDot`; empty if none.
 [[nodiscard]] LightweightString<wchar_t> getExtension(LightweightString<wchar_t> const& path,
                                                       bool withDot = false);
+/// The path without the extension of its last component and the full stop before it.
+[[nodiscard]] LightweightString<wchar_t> stripExtension(LightweightString<wchar_t> const& path);
 /// The last component.
 [[nodiscard]] LightweightString<wchar_t> stripPath(LightweightString<wchar_t> const& path);
 /// Forwards to the file manager in force.
+/// Bytes; 0 for a missing file.
+[[nodiscard]] std::uint64_t fileSize(LightweightString<wchar_t> const& path);
 [[nodiscard]] bool fileExists(LightweightString<wchar_t> const& path);
