@@ -188,8 +188,9 @@ protected:
 
 TEST_F(CheckAudio, GivesTheEditTheStreamsOfItsFirstChannel) {
     EXPECT_TRUE(PlayUtil::checkAudioMetadata(edit_));
-    EXPECT_THAT(done(), ElementsAre("edit.open " + textOf(edit_), "edit.setAudioMetadata 2",
-                                    "edit.updateRecord " + textOf(edit_), "edit.modified \"\"", "edit.close"));
+    EXPECT_THAT(done(),
+                ElementsAre("edit.open " + textOf(edit_), "edit.setAudioMetadata 2",
+                            "edit.updateRecord " + textOf(edit_), "edit.modified \"\"", "edit.close"));
 }
 
 TEST_F(CheckAudio, OfVideoDoesNothing) {
