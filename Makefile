@@ -2,7 +2,7 @@
 #
 #   make run [CLIP=file] [OUT=dir]   shows a clip: the project's own, or yours; pictures go to OUT
 #   make test                        builds and tests everything, sanitizers included
-#   make soak [SOAK_SECONDS=n]       repeats the tests that take time, for n seconds at least
+#   make soak [SOAK_SECONDS=n]       reads clips at random for n seconds: PLAYFILE_REAL_MEDIA's, or our own
 #   make bench                       the benchmarks
 #   make check                       layers, headers, symbols, words, format, tidiness
 #   make format                      lays out the sources
@@ -46,12 +46,14 @@ endif
 test: deps
 	@JOBS=$(JOBS) scripts/test-all.sh
 
-soak: release
-	@end=$$(($$(date +%s) + $(SOAK_SECONDS))); \
-	while ctest --test-dir build/release --output-on-failure -L 'stress|crash|lifetime|real'; do \
-		[ $$(date +%s) -lt $$end ] || exit 0; \
-	done; \
-	exit 1
+soak: deps
+	@scripts/build.sh release -j $(JOBS) playfile_soak
+ifeq ($(PLAYFILE_REAL_MEDIA),)
+	@scripts/make-test-media.sh $(MEDIA)
+	build/release/bin/playfile_soak $(MEDIA) --seconds $(SOAK_SECONDS)
+else
+	build/release/bin/playfile_soak $(PLAYFILE_REAL_MEDIA)/video $(PLAYFILE_REAL_MEDIA)/audio --seconds $(SOAK_SECONDS)
+endif
 
 bench: release
 	@scripts/make-test-media.sh $(MEDIA)

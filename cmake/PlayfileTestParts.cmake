@@ -25,12 +25,13 @@ target_compile_definitions(playfile_test_support ${scope}
     PLAYFILE_TEST_MEDIA_DIR="${PLAYFILE_TEST_MEDIA_DIR}"
     PLAYFILE_BUILD_PLUGIN_DIR="${PLAYFILE_PLUGIN_DIR}"
     PLAYFILE_CLI="${CMAKE_BINARY_DIR}/bin/playfile"
+    PLAYFILE_SOAK="${CMAKE_BINARY_DIR}/bin/playfile_soak"
     PLAYFILE_HEADER_SEARCH="${CMAKE_BINARY_DIR}/bin/playfile_header_search")
 
 # All that a test may load or start.
 add_custom_target(playfile_test_parts)
 add_dependencies(playfile_test_parts playfile_plugins)
-foreach(program playfile_cli playfile_header_search)
+foreach(program playfile_cli playfile_soak playfile_header_search)
     if(TARGET ${program})
         add_dependencies(playfile_test_parts ${program})
     endif()

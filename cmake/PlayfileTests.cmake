@@ -12,7 +12,7 @@ set(playfile_test_labels contract real stress crash lifetime install tools)
 # Folders whose tests use the media that the script makes, and those that load the FFmpeg plug-in,
 # whose libraries no sanitizer has seen.
 set(playfile_media_folders real stress crash lifetime tools examples plugins plugins_ffmpeg)
-set(playfile_ffmpeg_folders real stress crash tools examples plugins plugins_ffmpeg)
+set(playfile_ffmpeg_folders real stress crash lifetime tools examples plugins plugins_ffmpeg)
 set(PLAYFILE_UNIT_TIMEOUT 60)
 set(PLAYFILE_LONG_TIMEOUT 600)
 

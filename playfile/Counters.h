@@ -21,9 +21,8 @@ struct PlayFileCounters {
     std::atomic<std::uint64_t> streamBatches{0};
     std::atomic<std::uint64_t> streamDoubleDecodes{0};
     std::atomic<std::uint64_t> streamFramesHeld{0};
-    /// Pictures that came out of a streamed file's decoder, wanted or on the way to one that is; the reader
-    /// counts them.
-    std::atomic<std::uint64_t> streamFramesDecoded{0};
+    /// Pictures that came out of decoders, wanted ones and those on the way to them; the readers count them.
+    std::atomic<std::uint64_t> framesDecoded{0};
     std::atomic<std::uint64_t> preOpensQueued{0};
     /// What came of those, and of those that came after the service's end.
     std::atomic<std::uint64_t> preOpensOpened{0};

@@ -8,13 +8,22 @@ namespace bench {
 /// What one measurement found.
 ///
 /// Units  Seconds of the timed part, by the clock and of the processors, those of all threads together; bytes
-///        of memory that was resident at most, over the whole process.
+///        of memory that was resident at most, over the whole process; what is there before the timed part,
+///        at most in it, and when the process has rested after it, where that is looked at.
 struct Sample {
     bool isGood = false;
     double seconds = 0.0;
     double processorSeconds = 0.0;
     std::uint32_t reads = 0;
     std::uint64_t peakBytes = 0;
+    double startMiB = 0.0;
+    double restMiB = 0.0;
+    double peakThreads = 0.0;
+    double restThreads = 0.0;
+    double peakDescriptors = 0.0;
+    double restDescriptors = 0.0;
+    /// Pictures that came out of the library's decoders.
+    std::uint64_t decodedFrames = 0;
 };
 
 /// What is known of a clip before it is measured.
@@ -24,6 +33,8 @@ struct ClipFacts {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     bool isIntraOnly = false;
+    /// Packets from one key to the next, on the average; 0 if there are none.
+    std::uint32_t framesPerKey = 0;
     /// Names as libavformat and libavcodec have them, cut to fit.
     char codec[32] = {};
     char container[64] = {};

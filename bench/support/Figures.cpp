@@ -21,6 +21,40 @@ double median(std::vector<double> values) {
     return values.size() % 2 == 1 ? values[half] : (values[half - 1] + values[half]) / 2;
 }
 
+double medianOf(std::vector<Sample> const& samples, double (*figure)(Sample const&)) {
+    std::vector<double> values;
+    std::transform(samples.begin(), samples.end(), std::back_inserter(values), figure);
+    return median(values);
+}
+
+double peakMiBOf(Sample const& sample) {
+    return static_cast<double>(sample.peakBytes) / (1024.0 * 1024.0);
+}
+
+double restMiBOf(Sample const& sample) {
+    return sample.restMiB;
+}
+
+double peakThreadsOf(Sample const& sample) {
+    return sample.peakThreads;
+}
+
+double restThreadsOf(Sample const& sample) {
+    return sample.restThreads;
+}
+
+double peakDescriptorsOf(Sample const& sample) {
+    return sample.peakDescriptors;
+}
+
+double restDescriptorsOf(Sample const& sample) {
+    return sample.restDescriptors;
+}
+
+double restMiBAbove(std::vector<Sample> const& samples) {
+    return medianOf(samples, [](Sample const& sample) { return sample.restMiB - sample.startMiB; });
+}
+
 bool areGood(std::vector<Sample> const& samples) {
     return std::all_of(samples.begin(), samples.end(), [](Sample const& sample) { return sample.isGood; });
 }

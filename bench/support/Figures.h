@@ -11,6 +11,20 @@ namespace bench {
 
 [[nodiscard]] double median(std::vector<double> values);
 
+/// The median over the repetitions of what `figure` says of each.
+[[nodiscard]] double medianOf(std::vector<Sample> const& samples, double (*figure)(Sample const&));
+
+/// Figures for that.
+[[nodiscard]] double peakMiBOf(Sample const& sample);
+[[nodiscard]] double restMiBOf(Sample const& sample);
+[[nodiscard]] double peakThreadsOf(Sample const& sample);
+[[nodiscard]] double restThreadsOf(Sample const& sample);
+[[nodiscard]] double peakDescriptorsOf(Sample const& sample);
+[[nodiscard]] double restDescriptorsOf(Sample const& sample);
+
+/// MiB that are resident after a rest, less those before the work.
+[[nodiscard]] double restMiBAbove(std::vector<Sample> const& samples);
+
 /// True if no repetition failed.
 [[nodiscard]] bool areGood(std::vector<Sample> const& samples);
 

@@ -7,18 +7,41 @@
 namespace bench {
 
 /// The ways in which the frames of a clip are asked for.
-enum class eCase { inOrder, random, backward, scrub, openAndFirst, heldAgain };
+enum class eCase {
+    inOrder,
+    random,
+    backward,
+    scrub,
+    openAndFirst,
+    heldAgain,
+    twoReaders,   ///< in order at two places of one file
+    interleaved,  ///< in order in several clips, a frame of each in turn
+};
+
+/// Clips of the case that interleaves them.
+constexpr std::size_t interleavedClips = 8;
+/// Places of the case of two readers.
+constexpr std::size_t readersOfAFile = 2;
 
 /// All of them, in the order of the table.
 [[nodiscard]] std::vector<eCase> const& allCases();
 
 [[nodiscard]] char const* nameOf(eCase which);
 
-/// The frames of a case, in the order in which they are asked for; the same for one seed.
+/// The frames of a case, in the order in which they are asked for, those of one clip or place where there are
+/// several; the same for one seed.
 ///
 /// @param frameCount  of the clip, at least 1
 /// @param count       how many frames of the cases that don't take the whole clip
 [[nodiscard]] std::vector<std::uint32_t> framesOf(eCase which, std::uint32_t frameCount, std::uint32_t count,
                                                   std::uint32_t seed);
+
+/// How many frames must be decoded at least: those that are asked for and those from the key before each, where
+/// keys come at regular distances.
+[[nodiscard]] std::uint32_t spannedFrames(std::vector<std::uint32_t> const& frames,
+                                          std::uint32_t framesPerKey);
+
+/// Where the reader at a place of a clip begins, if there are `readersOfAFile`.
+[[nodiscard]] std::uint32_t startOfReader(std::size_t reader, std::uint32_t frameCount);
 
 }  // namespace bench

@@ -1,20 +1,23 @@
 #include "bench/workload/LibrarySide.h"
 
 #include <algorithm>
-#include <chrono>
+#include <memory>
 #include <thread>
 
 #include "bench/support/CountingIssuer.h"
+#include "bench/support/Footprint.h"
+#include "bench/support/LinkFolder.h"
 #include "files/PlayFileCache.h"
 #include "host/memory/MemoryCatalogue.h"
+#include "playfile/Counters.h"
 #include "playfile/playfile.h"
 #include "toolkit/plugins/Plugin.h"
+#include "video/FilePreOpen.h"
 #include "video/VideoReadRequest.h"
 
 namespace bench {
 namespace {
 
-using Clock = std::chrono::steady_clock;
 using RequestPtr = Ox::Ptr<VideoReadRequest>;
 
 /// Requests that a player has under way.
@@ -23,9 +26,7 @@ constexpr std::size_t framesAhead = 4;
 /// A clip in the catalogue, and the reads of it.
 class Clip {
 public:
-    Clip(std::string const& path, std::string const& pluginFolder) : cookie_(Ox::UUID::generate(), 'V', 0) {
-        playfile_init();
-        loadPlugins(fromUTF8(pluginFolder.c_str()));
+    explicit Clip(std::string const& path) : cookie_(Ox::UUID::generate(), 'V', 0) {
         MemoryCatalogue::instance().add(cookie_, fromUTF8(path.c_str()));
     }
 
@@ -74,6 +75,10 @@ public:
     /// Waits until all but `count` of the reads that were asked for have told their issuer.
     void waitForAllBut(std::uint64_t count) { issuer_.waitFor(asked_ > count ? asked_ - count : 0); }
 
+    [[nodiscard]] Ox::Ptr<Ox::PreOpenRequest> openAhead() const {
+        return Ox::PreOpenRequest::create(cookie_, DecodeFormat::getDefault(), 0);
+    }
+
     [[nodiscard]] bool isGood() const { return isGood_ && issuer_.failedCount() == 0; }
 
 private:
@@ -83,24 +88,96 @@ private:
     bool isGood_ = true;
 };
 
-/// Asks for a frame when the picture of the one `framesAhead` before it is there.
-void readAhead(Clip& clip, std::vector<std::uint32_t> const& frames) {
-    std::vector<RequestPtr> underWay(framesAhead);
-    for (std::size_t i = 0; i < frames.size() + framesAhead; ++i) {
-        RequestPtr& oldest = underWay[i % framesAhead];
-        if (i >= framesAhead && i - framesAhead < frames.size()) {
-            clip.waitForAllBut(std::min(framesAhead, frames.size() - (i - framesAhead)) - 1);
-            clip.waitForPicture(oldest);
-        }
-        oldest = i < frames.size() ? clip.ask(frames[i]) : RequestPtr();
+/// Asks for frames of a clip, a few ahead of the one that it waits for.
+class Player {
+public:
+    explicit Player(Clip& clip) : clip_(clip) {}
+
+    /// Asks for a frame when the picture of the one `framesAhead` before it is there.
+    void ask(std::uint32_t frame) {
+        RequestPtr& oldest = underWay_[asked_++ % framesAhead];
+        waitFor(oldest, framesAhead - 1);
+        oldest = clip_.ask(frame);
     }
+    /// Waits for all that are under way.
+    void finish() {
+        for (std::size_t left = framesAhead; left-- > 0;) {
+            waitFor(underWay_[asked_++ % framesAhead], left);
+        }
+    }
+
+private:
+    /// Waits for the oldest. @param others  how many are under way behind it
+    void waitFor(RequestPtr const& oldest, std::size_t others) {
+        if (oldest) {
+            clip_.waitForAllBut(others);
+            clip_.waitForPicture(oldest);
+        }
+    }
+
+    Clip& clip_;
+    std::vector<RequestPtr> underWay_ = std::vector<RequestPtr>(framesAhead);
+    std::size_t asked_ = 0;
+};
+
+using Clips = std::vector<std::unique_ptr<Clip>>;
+using Frames = std::vector<std::uint32_t>;
+
+bool areAllGood(Clips const& clips) {
+    return std::all_of(clips.begin(), clips.end(), [](auto const& clip) { return clip->isGood(); });
 }
 
-void readOneByOne(Clip& clip, std::vector<std::uint32_t> const& frames) {
+/// Plays all clips, a frame of each in turn. @param starts  of the clips
+bool playInTurn(Clips const& clips, Frames const& starts, Frames const& frames) {
+    std::vector<Player> players;
+    for (auto const& clip : clips) {
+        players.emplace_back(*clip);
+    }
+    for (std::uint32_t const frame : frames) {
+        for (std::size_t i = 0; i < players.size(); ++i) {
+            players[i].ask(starts[i] + frame);
+        }
+    }
+    for (Player& player : players) {
+        player.finish();
+    }
+    return areAllGood(clips);
+}
+
+bool readOneByOne(Clip& clip, Frames const& frames) {
     for (std::uint32_t const frame : frames) {
         RequestPtr const request = clip.ask(frame);
         clip.waitFor(request);
     }
+    return clip.isGood();
+}
+
+void startLibrary(std::string const& pluginFolder) {
+    playfile_init();
+    loadPlugins(fromUTF8(pluginFolder.c_str()));
+}
+
+/// The clips that a case reads: the file itself, or as many names of it as the case has files.
+Clips clipsOf(eCase which, std::string const& path, LinkFolder& links) {
+    std::size_t const count = which == eCase::interleaved  ? interleavedClips
+                              : which == eCase::twoReaders ? readersOfAFile
+                                                           : 1;
+    Clips clips;
+    for (std::size_t i = 0; i < count; ++i) {
+        clips.push_back(std::make_unique<Clip>(which == eCase::interleaved ? links.add(path) : path));
+    }
+    return clips;
+}
+
+bool readCase(eCase which, Clips const& clips, Frames const& starts, Frames const& frames) {
+    bool const isPlayed = which == eCase::inOrder || clips.size() > 1;
+    return isPlayed ? playInTurn(clips, starts, frames) : readOneByOne(*clips.front(), frames);
+}
+
+void lookAtEnd(Sample& sample) {
+    sample.peakBytes = peakResidentBytes();
+    sample.decodedFrames = playFileCounters().framesDecoded;
+    lookAfterRest(sample);
 }
 
 }  // namespace
@@ -108,30 +185,57 @@ void readOneByOne(Clip& clip, std::vector<std::uint32_t> const& frames) {
 Sample runLibrary(std::string const& path, std::string const& pluginFolder, eCase which,
                   std::vector<std::uint32_t> const& frames) {
     Sample sample;
-    Clip clip(path, pluginFolder);
-    if (which != eCase::openAndFirst && !clip.open()) {
+    LinkFolder links;
+    startLibrary(pluginFolder);
+    Clips const clips = clipsOf(which, path, links);
+    Frames starts(clips.size());
+    bool isOpen = true;
+    for (std::size_t i = 0; i < clips.size() && which != eCase::openAndFirst; ++i) {
+        isOpen = isOpen && clips[i]->open();
+        starts[i] = which == eCase::twoReaders ? startOfReader(i, clips[i]->frameCount()) : 0;
+    }
+    if (!isOpen) {
         return sample;
     }
     RequestPtr held;
     if (which == eCase::heldAgain) {
-        held = clip.ask(frames.front());
-        clip.waitFor(held);
+        held = clips.front()->ask(frames.front());
+        clips.front()->waitFor(held);
     }
-    auto const start = Clock::now();
-    if (which == eCase::inOrder) {
-        readAhead(clip, frames);
-    } else {
-        readOneByOne(clip, frames);
+    watchWork(sample, [&] { return readCase(which, clips, starts, frames); });
+    sample.reads = static_cast<std::uint32_t>(frames.size() * clips.size());
+    lookAtEnd(sample);
+    return sample;
+}
+
+Sample runLibraryBin(std::vector<std::string> const& paths, std::string const& pluginFolder,
+                     bool isOpenedAhead) {
+    Sample sample;
+    startLibrary(pluginFolder);
+    Clips clips;
+    for (std::string const& path : paths) {
+        clips.push_back(std::make_unique<Clip>(path));
     }
-    sample.seconds = std::chrono::duration<double>(Clock::now() - start).count();
-    sample.isGood = clip.isGood();
-    sample.reads = static_cast<std::uint32_t>(frames.size());
-    sample.peakBytes = peakResidentBytes();
+    std::vector<RequestPtr> held;
+    std::vector<Ox::Ptr<Ox::PreOpenRequest>> ahead;
+    watchWork(sample, [&] {
+        for (std::size_t i = 0; isOpenedAhead && i < clips.size(); ++i) {
+            ahead.push_back(clips[i]->openAhead());
+        }
+        for (auto const& clip : clips) {
+            held.push_back(clip->ask(0));
+            clip->waitFor(held.back());
+        }
+        return areAllGood(clips);
+    });
+    sample.reads = static_cast<std::uint32_t>(clips.size());
+    lookAtEnd(sample);
     return sample;
 }
 
 std::uint32_t countFrames(std::string const& path, std::string const& pluginFolder) {
-    return Clip(path, pluginFolder).frameCount();
+    startLibrary(pluginFolder);
+    return Clip(path).frameCount();
 }
 
 }  // namespace bench

@@ -1,9 +1,10 @@
 #include "bench/workload/PlainSide.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
+#include <memory>
 
+#include "bench/support/Footprint.h"
 #include "bench/support/PlainLoop.h"
 
 extern "C" {
@@ -12,8 +13,6 @@ extern "C" {
 
 namespace bench {
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 /// Decoding the same frame again and again tells nothing new after a few times.
 constexpr std::size_t mostRepeats = 10;
@@ -32,10 +31,83 @@ std::uint32_t readBySeeking(PlainLoop& loop, std::vector<std::uint32_t> const& f
                       [&](std::uint32_t frame) { return loop.frameAt(frame) != nullptr; }));
 }
 
+/// A picture of each loop in turn.
+std::uint32_t readInTurn(std::vector<std::unique_ptr<PlainLoop>> const& loops, std::size_t count) {
+    std::uint32_t read = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        for (auto const& loop : loops) {
+            read += loop->next() != nullptr ? 1 : 0;
+        }
+    }
+    return read;
+}
+
+std::uint32_t readCase(PlainLoop& loop, std::string const& path, eCase which,
+                       std::vector<std::uint32_t> const& frames, std::size_t count) {
+    switch (which) {
+        case eCase::inOrder:
+            return readInOrder(loop, count);
+        case eCase::openAndFirst:
+            return loop.open(path) ? readInOrder(loop, count) : 0;
+        default:
+            return readBySeeking(loop, frames, count);
+    }
+}
+
+/// Counts as good what has read all that was wanted.
+void measure(Sample& sample, std::size_t wanted, std::function<std::uint32_t()> const& work) {
+    watchWork(sample, [&] {
+        sample.reads = work();
+        return sample.reads == wanted;
+    });
+    sample.peakBytes = peakResidentBytes();
+    lookAfterRest(sample);
+}
+
+/// Several loops on one file, each at its place; they are open, and stand there, before the time runs.
+Sample runLoops(std::string const& path, eCase which, std::size_t count) {
+    Sample sample;
+    auto const frameCount = static_cast<std::uint32_t>(count * readersOfAFile);
+    std::vector<std::unique_ptr<PlainLoop>> loops;
+    std::size_t const loopCount = which == eCase::interleaved ? interleavedClips : readersOfAFile;
+    for (std::size_t i = 0; i < loopCount; ++i) {
+        loops.push_back(std::make_unique<PlainLoop>());
+        if (!loops.back()->open(path)) {
+            return sample;
+        }
+        if (which == eCase::twoReaders && i > 0 && count > 0) {
+            loops.back()->frameAt(startOfReader(i, frameCount) - 1);
+        }
+    }
+    measure(sample, count * loopCount, [&] { return readInTurn(loops, count); });
+    return sample;
+}
+
+/// Looks at the packets of the beginning.
+std::uint32_t framesPerKeyOf(AVFormatContext& file, int stream) {
+    constexpr std::uint32_t mostPackets = 1000;
+    std::uint32_t packets = 0;
+    std::uint32_t keys = 0;
+    AVPacket* const packet = av_packet_alloc();
+    while (packets < mostPackets && av_read_frame(&file, packet) >= 0) {
+        if (packet->stream_index == stream) {
+            ++packets;
+            keys += (packet->flags & AV_PKT_FLAG_KEY) != 0 ? 1 : 0;
+        }
+        av_packet_unref(packet);
+    }
+    AVPacket* owned = packet;
+    av_packet_free(&owned);
+    return keys == 0 ? 0 : packets / keys;
+}
+
 }  // namespace
 
 Sample runPlain(std::string const& path, eCase which, std::vector<std::uint32_t> const& frames) {
     av_log_set_level(AV_LOG_QUIET);
+    if (which == eCase::twoReaders || which == eCase::interleaved) {
+        return runLoops(path, which, frames.size());
+    }
     Sample sample;
     PlainLoop loop;
     if (which != eCase::openAndFirst && !loop.open(path)) {
@@ -43,21 +115,22 @@ Sample runPlain(std::string const& path, eCase which, std::vector<std::uint32_t>
     }
     std::size_t const wanted =
         which == eCase::heldAgain ? std::min(frames.size(), mostRepeats) : frames.size();
-    auto const start = Clock::now();
-    switch (which) {
-        case eCase::inOrder:
-            sample.reads = readInOrder(loop, wanted);
-            break;
-        case eCase::openAndFirst:
-            sample.reads = loop.open(path) ? readInOrder(loop, wanted) : 0;
-            break;
-        default:
-            sample.reads = readBySeeking(loop, frames, wanted);
-            break;
-    }
-    sample.seconds = std::chrono::duration<double>(Clock::now() - start).count();
-    sample.isGood = sample.reads == wanted;
-    sample.peakBytes = peakResidentBytes();
+    measure(sample, wanted, [&] { return readCase(loop, path, which, frames, wanted); });
+    return sample;
+}
+
+Sample runPlainBin(std::vector<std::string> const& paths) {
+    av_log_set_level(AV_LOG_QUIET);
+    Sample sample;
+    std::vector<std::unique_ptr<PlainLoop>> loops;
+    measure(sample, paths.size(), [&] {
+        std::uint32_t read = 0;
+        for (std::string const& path : paths) {
+            loops.push_back(std::make_unique<PlainLoop>());
+            read += loops.back()->open(path) && loops.back()->next() != nullptr ? 1 : 0;
+        }
+        return read;
+    });
     return sample;
 }
 
@@ -76,6 +149,7 @@ ClipFacts lookAt(std::string const& path) {
         facts.isGood = true;
         facts.width = static_cast<std::uint32_t>(parameters.width);
         facts.height = static_cast<std::uint32_t>(parameters.height);
+        facts.framesPerKey = framesPerKeyOf(*file, stream);
         facts.isIntraOnly = codec && (codec->props & AV_CODEC_PROP_INTRA_ONLY) != 0;
         std::snprintf(facts.codec, sizeof facts.codec, "%s", avcodec_get_name(parameters.codec_id));
         std::snprintf(facts.container, sizeof facts.container, "%s", file->iformat->name);

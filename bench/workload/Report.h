@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,8 @@ struct CaseResult {
     eCase which = eCase::inOrder;
     std::vector<Sample> library;
     std::vector<Sample> plain;
+    /// Frames that must be decoded at least.
+    std::uint32_t spannedFrames = 0;
 
     /// True if no repetition of either side failed.
     [[nodiscard]] bool isGood() const;
@@ -25,6 +28,18 @@ struct CaseResult {
     [[nodiscard]] double ratio() const;
     /// Bytes by which the library's process was larger at most; negative if it was smaller.
     [[nodiscard]] double extraBytes() const;
+    /// How often each frame that had to be decoded was.
+    [[nodiscard]] double decodesPerFrame() const;
+};
+
+/// The opening of a folder of clips, a first frame each, with all of it held.
+struct BinResult {
+    std::vector<Sample> library;
+    /// With all files opened ahead of need.
+    std::vector<Sample> ahead;
+    std::vector<Sample> plain;
+
+    [[nodiscard]] bool isGood() const;
 };
 
 /// All that was measured of one clip.
@@ -39,9 +54,12 @@ void printTable(std::FILE* out, ClipResult const& clip);
 /// What the columns of the table mean.
 void printLegend(std::FILE* out);
 
-void printJson(std::FILE* out, std::vector<ClipResult> const& clips);
+void printBin(std::FILE* out, std::optional<BinResult> const& bin);
+
+void printJson(std::FILE* out, std::vector<ClipResult> const& clips, std::optional<BinResult> const& bin);
 
 /// Says of each speed that playfile sets itself whether it was reached.
-void printTargets(std::FILE* out, std::vector<ClipResult> const& clips, NullCosts const& costs);
+void printTargets(std::FILE* out, std::vector<ClipResult> const& clips, std::optional<BinResult> const& bin,
+                  NullCosts const& costs);
 
 }  // namespace bench

@@ -2,6 +2,7 @@
 /// libavcodec, in turn in one run, and compares the two.
 #include <CLI/CLI.hpp>
 #include <filesystem>
+#include <optional>
 
 #include "bench/support/Silence.h"
 #include "bench/workload/LibrarySide.h"
@@ -15,6 +16,7 @@ using namespace bench;
 struct Options {
     std::vector<std::string> clips;
     std::vector<std::string> cases;
+    std::string bin;
     std::string pluginFolder;
     std::uint32_t count = 100;
     std::uint32_t seed = 1;
@@ -50,6 +52,7 @@ CaseResult measureCase(Options const& options, ClipResult const& clip, eCase whi
     result.which = which;
     std::uint32_t const count = which == eCase::heldAgain ? heldAgainReads : options.count;
     auto const frames = framesOf(which, clip.facts.frameCount, count, options.seed);
+    result.spannedFrames = spannedFrames(frames, clip.facts.framesPerKey);
     for (unsigned round = 0; round < options.rounds; ++round) {
         result.library.push_back(runInChild(std::function<Sample()>(
             [&] { return runLibrary(clip.path, options.pluginFolder, which, frames); })));
@@ -86,13 +89,40 @@ bool measureClip(Options const& options, std::string const& path, std::vector<Cl
     return isGood;
 }
 
+/// All files of a folder, in the order of their names.
+std::vector<std::string> filesOf(std::string const& folder) {
+    std::vector<std::string> paths;
+    for (std::filesystem::directory_entry const& entry : std::filesystem::directory_iterator(folder)) {
+        paths.push_back(entry.path());
+    }
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
+BinResult measureBin(Options const& options) {
+    BinResult result;
+    std::vector<std::string> const paths = filesOf(options.bin);
+    for (unsigned round = 0; round < options.rounds; ++round) {
+        std::fprintf(stderr, "%s: round %u\n", options.bin.c_str(), round + 1);
+        for (bool const isOpenedAhead : {false, true}) {
+            (isOpenedAhead ? result.ahead : result.library).push_back(runInChild(std::function<Sample()>([&] {
+                return runLibraryBin(paths, options.pluginFolder, isOpenedAhead);
+            })));
+        }
+        result.plain.push_back(runInChild(std::function<Sample()>([&] { return runPlainBin(paths); })));
+    }
+    return result;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     Options options;
     options.pluginFolder = pluginsBesideProgram();
     CLI::App app("Compares reading clips through playfile with a plain libavcodec loop.");
-    app.add_option("clips", options.clips, "Clips to read")->required();
+    app.add_option("clips", options.clips, "Clips to read");
+    app.add_option("--bin", options.bin, "A folder of short clips, to be opened with a first frame each")
+        ->check(CLI::ExistingDirectory);
     app.add_option("--cases", options.cases,
                    "Only these, separated by commas: in order, random, backward, ...")
         ->delimiter(',')
@@ -105,6 +135,10 @@ int main(int argc, char** argv) {
     app.add_flag("--json", options.isJson, "Print JSON instead of a table");
     app.add_flag("--target", options.showsTargets, "Say which of the set speeds are reached");
     CLI11_PARSE(app, argc, argv);
+    if (options.clips.empty() && options.bin.empty()) {
+        std::fprintf(stderr, "playfile_workload: name clips, or a folder with --bin\n");
+        return 2;
+    }
 
     Silence const silence;
     bool isGood = true;
@@ -112,13 +146,19 @@ int main(int argc, char** argv) {
     for (std::string const& path : options.clips) {
         isGood = measureClip(options, path, results) && isGood;
     }
+    std::optional<BinResult> bin;
+    if (!options.bin.empty()) {
+        bin = measureBin(options);
+        isGood = bin->isGood() && isGood;
+    }
     if (options.isJson) {
-        printJson(stdout, results);
+        printJson(stdout, results, bin);
     } else {
+        printBin(stdout, bin);
         printLegend(stdout);
     }
     if (options.showsTargets) {
-        printTargets(options.isJson ? stderr : stdout, results, measureNullCosts());
+        printTargets(options.isJson ? stderr : stdout, results, bin, measureNullCosts());
     }
     return isGood ? 0 : 1;
 }

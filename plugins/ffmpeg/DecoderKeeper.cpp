@@ -19,8 +19,10 @@ bool isFor(Entry const& entry, std::shared_ptr<KeptDecoder> const& decoder) {
 
 }  // namespace
 
+/// Never destroyed: at the end of the process a file that a static object of the program holds is still being
+/// decoded when the plug-in's own static objects go.
 DecoderKeeper& DecoderKeeper::shared() {
-    static DecoderKeeper keeper(
+    static DecoderKeeper& keeper = *new DecoderKeeper(
         static_cast<size_t>(config_int("streamingDecoders", defaultOpenDecoders, 1, mostOpenDecoders)));
     return keeper;
 }

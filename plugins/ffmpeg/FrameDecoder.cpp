@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "playfile/Counters.h"
+
 namespace playfile_ffmpeg {
 namespace {
 
@@ -86,6 +88,7 @@ AvPtr<AVFrame> FrameDecoder::receive(uint32_t& number) {
         int const code = avcodec_receive_frame(context_.get(), frame.get());
         if (code >= 0) {
             ++decodedCount_;
+            PlayFileCounters::add(playFileCounters().framesDecoded);
             errorCount_ += frame->decode_error_flags != 0;
             number = static_cast<uint32_t>(frame->pts);
             return frame;

@@ -73,6 +73,113 @@ TEST(Lifetime, LibraryStaysUsableAfterExit) {
               "status 2\nstatus 2\nstatus 2\nopen: 1\n");
 }
 
+TEST(Lifetime, InitMayComeAfterExit) {
+    EXPECT_EQ(run("entry_points", {"exit", "init", "read", "exit", "init", "read"}),
+              "status 2\nstatus 2\nopen: 1\n");
+}
+
+TEST(Lifetime, AllFilesMayBeClosedWhileRequestsAreHeld) {
+    EXPECT_EQ(run("entry_points", {"hold", "hold", "close", "read", "exit"}),
+              "status 2\nstatus 2\nstatus 2\nopen: 0\n");
+}
+
+TEST(Lifetime, LibraryStaysUsableAfterShutdownByHand) {
+    EXPECT_EQ(run("entry_points", {"init", "hold", "shutdown", "exit", "read", "init", "shutdown", "exit"}),
+              "status 2\nstatus 2\nopen: 0\n");
+}
+
+TEST(Lifetime, PoolsMayGoBeforeTheCache) {
+    EXPECT_EQ(run("entry_points", {"hold", "pools", "read", "exit", "read"}),
+              "status 2\nstatus 2\nstatus 2\nopen: 1\n");
+}
+
+TEST(Lifetime, OpeningAheadFailsAfterShutdownAndWorksAfterExit) {
+    EXPECT_EQ(run("entry_points", {"ahead", "exit", "ahead", "close", "shutdown", "ahead", "exit"}),
+              "ahead: 2\nahead: 2\nahead: 3\nopen: 0\n");
+}
+
+TEST(Lifetime, ExitFromInsideTheCallOfAnIssuerEndsTheProcess) {
+    EXPECT_EQ(run("exit_in_callback"), "told\nframes read: 1\n");
+}
+
+TEST(Lifetime, AForkedProcessMayLeaveWithoutAWord) {
+    EXPECT_EQ(run("fork_alone"), "child: 3\nframes read: 50\n");
+}
+
+TEST(PreOpenLifetime, ExitOpensWhatWasAskedFor) {
+    EXPECT_EQ(run("preopen_ends", {"held"}), "shutdown\nfiles opened: 3\n");
+}
+
+TEST(PreOpenLifetime, ExitOpensAlsoWhatNobodyHolds) {
+    EXPECT_EQ(run("preopen_ends", {"dropped"}), "shutdown\nfiles opened: 3\n");
+}
+
+TEST(PreOpenLifetime, ExitFromInsideAnOpenEndsTheProcess) {
+    EXPECT_EQ(run("preopen_ends", {"worker"}), "files opened: 0\n");
+}
+
+TEST(PreOpenLifetime, LibraryMayExitMeanwhile) {
+    EXPECT_EQ(run("preopen_ends", {"closed"}), "shutdown\nfiles opened: 3\n");
+}
+
+TEST(StreamLifetime, ExitWhileARunIsBeingDecoded) {
+    EXPECT_EQ(run("stream_ends", {"held"}), "status 2\ndecoded\n");
+}
+
+TEST(StreamLifetime, TheEndOfItsFileWaitsForTheDecoder) {
+    EXPECT_EQ(run("stream_ends", {"dropped"}), "status 2\ndecoded\nfile gone\n");
+}
+
+TEST(StreamLifetime, LibraryMayExitMeanwhile) {
+    EXPECT_EQ(run("stream_ends", {"closed"}), "status 2\ndecoded\n");
+}
+
+TEST(StreamLifetime, ExitFromTheDecoderEndsTheProcess) {
+    EXPECT_EQ(run("stream_ends", {"decoder"}), "");
+}
+
+/// One clip that is decoded streaming and one that isn't, through the real reader.
+class FFmpegLifetime : public ::testing::TestWithParam<char const*> {
+protected:
+    static std::string end(char const* way) {
+        return run("ffmpeg_ends", {std::string(PLAYFILE_TEST_MEDIA_DIR "/") + GetParam(), way});
+    }
+};
+
+TEST_P(FFmpegLifetime, MainMayReturnWhileFramesAreBeingDecoded) {
+    EXPECT_EQ(end("return"), "end of main\n");
+}
+
+TEST_P(FFmpegLifetime, ProcessMayExitWhileFramesAreBeingDecoded) {
+    EXPECT_EQ(end("exit"), "");
+}
+
+TEST_P(FFmpegLifetime, AnotherThreadMayExitTheProcess) {
+    EXPECT_EQ(end("thread"), "");
+}
+
+TEST_P(FFmpegLifetime, RequestsMayBeDroppedBeforeTheEnd) {
+    EXPECT_EQ(end("dropped"), "end of main\n");
+}
+
+TEST_P(FFmpegLifetime, LibraryMayExitAndBeUsedAgainWhileFramesAreBeingDecoded) {
+    EXPECT_EQ(end("closed"), "end of main\n");
+}
+
+TEST_P(FFmpegLifetime, StaticObjectsMayHoldPicturesPastMain) {
+    EXPECT_EQ(end("static"), "end of main\n");
+}
+
+TEST_P(FFmpegLifetime, ShutdownByHandFailsOldFilesAndServesNewOnes) {
+    EXPECT_EQ(end("shutdown"), "late: status 3\nreopened: status 2\nend of main\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(Clips, FFmpegLifetime,
+                         ::testing::Values("h264-bframes-aac.mp4", "prores-422-pcm.mov"),
+                         [](auto const& clip) {
+                             return std::string(clip.index == 0 ? "Streamed" : "Direct");
+                         });
+
 TEST(Lifetime, ShutdownFailsRequestsOfOldFilesAndServesNewOnes) {
     EXPECT_EQ(run("use_after_shutdown"), "old file: status 3\nnew file: status 2\nfree queues: 0\n");
 }

@@ -43,7 +43,7 @@ Json describeSoundQueue(PlayFileCounters const& counters) {
 Json describeStreams(PlayFileCounters const& counters) {
     Json json;
     json["batches"] = counters.streamBatches.load();
-    json["framesDecoded"] = counters.streamFramesDecoded.load();
+    json["framesDecoded"] = counters.framesDecoded.load();
     json["framesFromHeldBatches"] = counters.streamFramesHeld.load();
     json["doubleDecodes"] = counters.streamDoubleDecodes.load();
     return json;
@@ -83,7 +83,7 @@ Json describeStatistics() {
     json["files"] = describeCache(counters);
     json["requests"] = describeQueue(counters);
     json["soundRequests"] = describeSoundQueue(counters);
-    json["streamedDecoding"] = describeStreams(counters);
+    json["decoding"] = describeStreams(counters);
     json["preOpens"] = describePreOpens(counters);
     json["times"] = describeTimes();
     return json;
