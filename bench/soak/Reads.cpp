@@ -1,9 +1,16 @@
 #include "bench/soak/Reads.h"
 
+#include <algorithm>
+
 namespace soak {
 namespace {
 
 constexpr std::uint32_t surfacePatienceMs = 120000;
+
+/// A read may bring more, and how much more depends on which reads came before it.
+std::size_t bytesAsked(AudioReadRequest const& request) {
+    return std::size_t{request.numSamples} * request.getAudioMetadata()[request.stream].bytesPerSample;
+}
 
 }  // namespace
 
@@ -95,7 +102,7 @@ void SoundReads::finish() {
 void SoundReads::compare(Asked const& asked) {
     AudioReadRequest const& request = *asked.request;
     bool const isRead = request.getRequestStatus() == requestComplete;
-    std::size_t const size = request.getUsed();
+    std::size_t const size = std::min(std::size_t{request.getUsed()}, bytesAsked(request));
     std::uint64_t const sum = !isRead           ? sumOfNothing
                               : clip_.isExact() ? sumOf(request.getBuffer(), size)
                                                 : size + sumOfNothing + 1;
