@@ -63,7 +63,9 @@ sound() { # CHANNELS OUT ENCODER_OPTION...
         -fflags +bitexact -flags:a +bitexact "$2"
 }
 make_sound-8ch-24bit.wav() { sound 8 "$1" -c:a pcm_s24le; }
+make_sound-64ch-24bit.wav() { sound 64 "$1" -c:a pcm_s24le; }
 make_sound-2ch.m4a() { sound 2 "$1" -c:a aac -b:a 192k; }
 make_sound-6ch.m4a() { sound 6 "$1" -c:a aac -b:a 384k; }
+make_sound-2ch.mp3() { sound 2 "$1" -c:a libmp3lame -b:a 192k; }
 
 bring_media "$@"

@@ -23,6 +23,7 @@ struct Options {
     std::uint32_t count = 1000;
     std::uint32_t seed = 1;
     unsigned rounds = 5;
+    std::string cases;
     bool isAlone = false;
     bool isJson = false;
     bool showsTargets = false;
@@ -91,6 +92,12 @@ SoundCaseResult measureCase(Options const& options, SoundResult const& file, eSo
     return result;
 }
 
+/// True for a case that was chosen; without a choice all are.
+bool isChosen(Options const& options, eSoundCase which) {
+    return options.cases.empty() ||
+           ("," + options.cases + ",").find("," + std::string(nameOf(which)) + ",") != std::string::npos;
+}
+
 /// False if the file can't be read, which is then said.
 bool measureFile(Options const& options, std::string const& path, std::vector<SoundResult>& results) {
     SoundResult result;
@@ -107,6 +114,9 @@ bool measureFile(Options const& options, std::string const& path, std::vector<So
     }
     bool isGood = true;
     for (eSoundCase const which : allSoundCases()) {
+        if (!isChosen(options, which)) {
+            continue;
+        }
         std::fprintf(stderr, "%s: %s\n", path.c_str(), nameOf(which));
         result.cases.push_back(measureCase(options, result, which));
         isGood = isGood && result.cases.back().isGood();
@@ -129,6 +139,7 @@ int main(int argc, char** argv) {
     app.add_option("--ahead", options.blocksAhead, "Blocks under way in order")->check(CLI::Range(1, 1000));
     app.add_option("--count", options.count, "Random blocks")->check(CLI::Range(1, 1000000));
     app.add_option("--rounds", options.rounds, "Repetitions, all sides in turn")->check(CLI::Range(1, 1000));
+    app.add_option("--cases", options.cases, "Of \"in order,random\" those to measure");
     app.add_option("--seed", options.seed, "Of the random blocks");
     app.add_option("--plugins", options.pluginFolder, "Folders with the readers, separated by ':'");
     app.add_flag("--alone", options.isAlone, "Measure playfile and no rival, for a profiler");

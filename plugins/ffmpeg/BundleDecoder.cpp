@@ -1,6 +1,8 @@
 #include "plugins/ffmpeg/BundleDecoder.h"
 
 #include <algorithm>
+#include <iterator>
+#include <limits>
 #include <utility>
 
 namespace playfile_ffmpeg {
@@ -12,7 +14,11 @@ BundleDecoder::BundleDecoder(std::unique_ptr<SoundDecoder> decoder, SoundForm fo
 
 void BundleDecoder::reset() {
     decoder_->restart();
-    decoded_.clear();
+    forgetAll();
+}
+
+void BundleDecoder::forgetAll() {
+    forgetBefore(std::numeric_limits<int64_t>::max());
     isAtStart_ = true;
     isDrained_ = false;
 }
@@ -29,6 +35,15 @@ void BundleDecoder::take(Bundle const& bundle) {
     if (bundle.endsStream && !isDrained_) {
         drain();
     }
+    lookAtAll();
+}
+
+void BundleDecoder::lookAtAll() {
+    std::lock_guard const scope(lock_);
+    inReach_.clear();
+    for (Decoded const& decoded : decoded_) {
+        inReach_.push_back(&decoded);
+    }
 }
 
 void BundleDecoder::startAnew(Bundle const& bundle) {
@@ -38,19 +53,18 @@ void BundleDecoder::startAnew(Bundle const& bundle) {
     } else {
         decoder_->restart();
     }
-    decoded_.clear();
-    isAtStart_ = true;
-    isDrained_ = false;
+    forgetAll();
     next_ = bundle.packets.empty() ? 0 : bundle.packets.front().firstSample;
 }
 
 void BundleDecoder::feed(Bundle::Packet const& packet) {
-    size_t const before = decoded_.size();
+    reuseForgotten();
     if (!packet.bytes.empty()) {
         decoder_->feed(packet.bytes);
         collect();
     }
-    place(packet, before);
+    place(packet);
+    keepFresh();
 }
 
 void BundleDecoder::drain() {
@@ -58,23 +72,32 @@ void BundleDecoder::drain() {
     if (!decoder_->isDelayed()) {
         return;
     }
-    int64_t at = isDelayed_ || decoded_.empty() ? next_ : decoded_.back().endSample();
-    size_t const before = decoded_.size();
     decoder_->feed(nullptr);
     collect();
-    for (size_t i = before; i < decoded_.size(); ++i) {
-        decoded_[i].firstSample = at;
-        at = decoded_[i].endSample();
-    }
+    number(isDelayed_ || decoded_.empty() ? next_ : decoded_.back().endSample());
+    keepFresh();
 }
 
 /// What isn't in the form that the stream was opened with counts as damage.
 void BundleDecoder::collect() {
     while (AvPtr<AVFrame> frame = decoder_->receive()) {
         if (isUsable(*frame)) {
-            decoded_.push_back({std::move(frame), 0});
+            fresh_.push_back({std::move(frame), 0});
         }
     }
+}
+
+void BundleDecoder::number(int64_t at) {
+    for (Decoded& decoded : fresh_) {
+        decoded.firstSample = at;
+        at = decoded.endSample();
+    }
+}
+
+void BundleDecoder::keepFresh() {
+    std::lock_guard const scope(lock_);
+    std::move(fresh_.begin(), fresh_.end(), std::back_inserter(decoded_));
+    fresh_.clear();
 }
 
 bool BundleDecoder::isUsable(AVFrame const& frame) const {
@@ -86,10 +109,10 @@ bool BundleDecoder::isUsable(AVFrame const& frame) const {
 /// Numbers the frames that a packet gave. A decoder that holds back samples gives them in one row; with all
 /// others a packet's samples are its own. If the first packet after a start gives too few, it is its
 /// beginning that was lost.
-void BundleDecoder::place(Bundle::Packet const& packet, size_t before) {
+void BundleDecoder::place(Bundle::Packet const& packet) {
     int64_t given = 0;
-    for (size_t i = before; i < decoded_.size(); ++i) {
-        given += decoded_[i].frame->nb_samples;
+    for (Decoded const& decoded : fresh_) {
+        given += decoded.frame->nb_samples;
     }
     int64_t at = packet.firstSample;
     if (isDelayed_) {
@@ -99,17 +122,26 @@ void BundleDecoder::place(Bundle::Packet const& packet, size_t before) {
         at += packet.sampleCount - given;
     }
     isAtStart_ = isAtStart_ && given == 0;
-    for (size_t i = before; i < decoded_.size(); ++i) {
-        decoded_[i].firstSample = at;
-        at = decoded_[i].endSample();
+    number(at);
+}
+
+/// The decoder may be at work on another thread, so it gets the frames back when it is fed next; and memory
+/// is cheapest to give back on the thread that took it.
+void BundleDecoder::forgetBefore(int64_t sample) {
+    std::lock_guard const scope(lock_);
+    inReach_.clear();
+    while (!decoded_.empty() && decoded_.front().endSample() <= sample) {
+        forgotten_.push_back(std::move(decoded_.front().frame));
+        decoded_.pop_front();
     }
 }
 
-void BundleDecoder::forgetBefore(int64_t sample) {
-    while (!decoded_.empty() && decoded_.front().endSample() <= sample) {
-        decoder_->giveBack(std::move(decoded_.front().frame));
-        decoded_.pop_front();
+void BundleDecoder::reuseForgotten() {
+    std::lock_guard const scope(lock_);
+    for (AvPtr<AVFrame>& frame : forgotten_) {
+        decoder_->giveBack(std::move(frame));
     }
+    forgotten_.clear();
 }
 
 void BundleDecoder::write(Bundle const& bundle, int channel, uint8_t* to) const {
@@ -136,9 +168,9 @@ uint8_t* BundleDecoder::writeRun(SampleRun const& run, int channel, uint8_t* to)
         to += count * bytes;
         at = until;
     };
-    for (size_t i = 0; i < decoded_.size() && at < end; ++i) {
-        Decoded const& decoded = decoded_[i];
-        int64_t const limit = i + 1 < decoded_.size() ? decoded_[i + 1].firstSample : end;
+    for (size_t i = 0; i < inReach_.size() && at < end; ++i) {
+        Decoded const& decoded = *inReach_[i];
+        int64_t const limit = i + 1 < inReach_.size() ? inReach_[i + 1]->firstSample : end;
         fill(std::min(end, decoded.firstSample), nullptr, 0);
         fill(std::min({end, decoded.endSample(), std::max(limit, at)}), decoded.frame.get(),
              at - decoded.firstSample);

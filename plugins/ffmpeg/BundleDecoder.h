@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <mutex>
 #include <span>
+#include <vector>
 
 #include "plugins/ffmpeg/Bundle.h"
 #include "plugins/ffmpeg/SoundDecoder.h"
@@ -16,7 +18,8 @@ namespace playfile_ffmpeg {
 ///
 /// Every sample keeps its number: what a damaged packet doesn't give is silence of its length.
 ///
-/// Threads      One at a time.
+/// Threads      One at a time; but `feed` may run on another thread beside `take` and `write`, while they
+///              get bundles that begin nowhere anew and bring no packets.
 /// Units        Samples of each channel, as decoded.
 class BundleDecoder {
 public:
@@ -26,6 +29,8 @@ public:
     /// Forgets all that it has been given.
     void reset();
 
+    /// Feeds a packet before the bundle comes that would bring it.
+    void feed(Bundle::Packet const& packet);
     /// Feeds the packets of a bundle.
     void take(Bundle const& bundle);
     /// Writes one channel of the bundle's samples, which it has just taken.
@@ -39,21 +44,31 @@ private:
     };
 
     void startAnew(Bundle const& bundle);
-    void feed(Bundle::Packet const& packet);
+    void forgetAll();
     void drain();
-    void place(Bundle::Packet const& packet, size_t before);
+    void place(Bundle::Packet const& packet);
     void collect();
+    void number(int64_t at);
+    void keepFresh();
     bool isUsable(AVFrame const& frame) const;
     void forgetBefore(int64_t sample);
+    void reuseForgotten();
+    void lookAtAll();
     uint8_t* writeRun(SampleRun const& run, int channel, uint8_t* to) const;
 
     std::unique_ptr<SoundDecoder> const decoder_;
     SoundForm const form_;
     bool const isDelayed_;
-    std::deque<Decoded> decoded_;  ///< In ascending order.
-    int64_t next_ = 0;             ///< Where the next frame of a decoder that holds back samples stands.
-    bool isAtStart_ = true;        ///< Nothing has come out since the decoder began.
+    std::vector<Decoded> fresh_;  ///< What the packet gave that is being fed.
+    int64_t next_ = 0;            ///< Where the next frame of a decoder that holds back samples stands.
+    bool isAtStart_ = true;       ///< Nothing has come out since the decoder began.
     bool isDrained_ = false;
+
+    std::mutex lock_;                        ///< Of the next two.
+    std::deque<Decoded> decoded_;            ///< In ascending order.
+    std::vector<AvPtr<AVFrame>> forgotten_;  ///< For the decoder, which uses them again.
+    /// Those of `decoded_` that a bundle may find its samples in: they stay where they are while more come.
+    std::vector<Decoded const*> inReach_;
 };
 
 }  // namespace playfile_ffmpeg

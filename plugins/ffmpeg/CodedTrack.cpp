@@ -35,12 +35,32 @@ bool CodedTrack::goesOnAt(int64_t first) {
 }
 
 bool CodedTrack::canGoOnTo(SampleRun const& run, uint32_t lead) const {
-    return given_ != nothing && run.decoded >= heldFrom_ && lead <= given_;
+    uint32_t const given = given_;
+    return given != nothing && run.decoded >= heldFrom_ && lead <= given;
 }
 
 /// The packet that a read in order begins with, or the one before.
 uint32_t CodedTrack::nextWanted() const {
-    return given_ == nothing || given_ < 2 ? 0 : given_ - 2;
+    uint32_t const given = given_;
+    return given == nothing || given < 2 ? 0 : given - 2;
+}
+
+uint32_t CodedTrack::packetsFor(int64_t first, int64_t end) {
+    index_.kept().find(first, end, runs_);
+    return runs_.empty() ? 0 : endPacketFor(runs_.back(), nextWanted());
+}
+
+bool CodedTrack::giveNext(Bundle::Packet& packet, std::vector<uint8_t>& bytes) {
+    uint32_t const number = given_;
+    if (number >= index_.packetCount()) {
+        return false;
+    }
+    bytes.clear();
+    static_cast<void>(packets_->read(number, bytes));
+    SoundPacket const& next = index_.packet(number);
+    packet = {next.firstSample, next.sampleCount, number == 0, bytes};
+    given_ = number + 1;
+    return true;
 }
 
 /// The first sample is reached from the first packet on, as one who plays the file from its start does.
@@ -54,13 +74,17 @@ void CodedTrack::bundle(int64_t first, int64_t end, std::vector<uint8_t>& bytes)
     uint32_t const endPacket = endPacketFor(runs_.back(), wanted);
     uint32_t const lead = first == 0 ? 0 : leadIn_.startFor(wanted, index_);
     bool const startsAnew = first == 0 || !canGoOnTo(runs_.front(), lead);
-    for (uint32_t number = startsAnew ? lead : given_; number < endPacket; ++number) {
+    uint32_t const from = startsAnew ? lead : given_.load();
+    for (uint32_t number = from; number < endPacket; ++number) {
         SoundPacket const& packet = index_.packet(number);
         writer.beginPacket(packet.firstSample, packet.sampleCount, number == 0);
         static_cast<void>(packets_->read(number, bytes));
         writer.endPacket();
     }
-    given_ = startsAnew ? endPacket : std::max(given_, endPacket);
+    // Unless packets came along, another thread may be giving more at this moment.
+    if (from < endPacket) {
+        given_ = endPacket;
+    }
     hold(startsAnew, wanted, runs_.front());
     writer.finish(startsAnew, endPacket == index_.packetCount(), heldFrom_);
 }

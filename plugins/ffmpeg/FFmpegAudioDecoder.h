@@ -24,6 +24,9 @@ public:
     void resetToStart() override;
     [[nodiscard]] unsigned int getPreRollFrames() override { return 0; }
 
+    /// What decodes its bundles.
+    [[nodiscard]] BundleDecoder& bundles() const { return *decoder_; }
+
 private:
     void append(std::uint32_t sampleCount, Aud::StreamBufferList& output) const;
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <new>
 #include <utility>
@@ -57,6 +58,8 @@ int SoundDecoder::openContext() {
         return code;
     }
     context->thread_count = 1;
+    context->opaque = this;
+    context->get_buffer2 = &SoundDecoder::getBuffer;
     AVDictionary* options = nullptr;
     // Where noise stands in for what wasn't coded, it must be the same noise however one came there.
     av_dict_set(&options, "cons_noisegen", "1", 0);
@@ -102,29 +105,57 @@ bool SoundDecoder::feed(std::span<uint8_t const> bytes) {
         return false;
     }
     makeRoom(bytes.size());
-    packet_->buf = av_buffer_pool_get(blocks_.get());
-    if (packet_->buf == nullptr) {
-        throw std::bad_alloc();
-    }
     packet_->data = packet_->buf->data;
     packet_->size = static_cast<int>(bytes.size());
     std::memcpy(packet_->data, bytes.data(), bytes.size());
     std::memset(packet_->data + bytes.size(), 0, AV_INPUT_BUFFER_PADDING_SIZE);
-    bool const isTaken = feed(packet_.get());
-    av_packet_unref(packet_.get());
-    return isTaken;
+    return feed(packet_.get());
 }
 
-/// Blocks of one size, so that they can be used again and again; those in use outlive their pool.
+/// The block is used again, unless it is too small or the decoder still has the last packet.
 void SoundDecoder::makeRoom(size_t byteCount) {
     size_t const needed = byteCount + AV_INPUT_BUFFER_PADDING_SIZE;
-    if (needed > blockByteCount_) {
-        blockByteCount_ = std::max(2 * needed, leastBlock);
-        blocks_.reset(av_buffer_pool_init(blockByteCount_, nullptr));
+    bool const isGood =
+        packet_->buf != nullptr && needed <= blockByteCount_ && av_buffer_is_writable(packet_->buf) == 1;
+    if (isGood) {
+        return;
     }
-    if (!blocks_) {
+    av_buffer_unref(&packet_->buf);
+    blockByteCount_ = needed > blockByteCount_ ? std::max(2 * needed, leastBlock) : blockByteCount_;
+    packet_->buf = av_buffer_alloc(blockByteCount_);
+    if (packet_->buf == nullptr) {
         throw std::bad_alloc();
     }
+}
+
+/// Takes the place of libavcodec's own, which makes a reference for each channel.
+int SoundDecoder::getBuffer(AVCodecContext* context, AVFrame* frame, int flags) {
+    bool const isPlain = (context->codec->capabilities & AV_CODEC_CAP_DR1) != 0 &&
+                         frame->ch_layout.nb_channels <= AV_NUM_DATA_POINTERS;
+    if (!isPlain) {
+        return avcodec_default_get_buffer2(context, frame, flags);
+    }
+    return static_cast<SoundDecoder*>(context->opaque)->giveMemoryTo(*frame) ? 0 : AVERROR(ENOMEM);
+}
+
+/// Frames of one size follow each other, so that their memory can be used again and again; what is in use
+/// outlives its pool.
+bool SoundDecoder::giveMemoryTo(AVFrame& frame) {
+    auto const format = static_cast<AVSampleFormat>(frame.format);
+    int const byteCount =
+        av_samples_get_buffer_size(nullptr, frame.ch_layout.nb_channels, frame.nb_samples, format, 0);
+    if (byteCount < 0) {
+        return false;
+    }
+    if (byteCount != frameByteCount_ || !frameMemory_) {
+        frameByteCount_ = byteCount;
+        frameMemory_.reset(av_buffer_pool_init(static_cast<size_t>(byteCount), av_buffer_allocz));
+    }
+    frame.buf[0] = frameMemory_ ? av_buffer_pool_get(frameMemory_.get()) : nullptr;
+    frame.extended_data = frame.data;
+    return frame.buf[0] != nullptr &&
+           av_samples_fill_arrays(frame.data, frame.linesize, frame.buf[0]->data, frame.ch_layout.nb_channels,
+                                  frame.nb_samples, format, 0) >= 0;
 }
 
 AvPtr<AVFrame> SoundDecoder::receive() {

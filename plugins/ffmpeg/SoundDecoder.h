@@ -42,12 +42,15 @@ private:
     int openContext();
     void takeOverSkipping();
     void makeRoom(size_t byteCount);
+    static int getBuffer(AVCodecContext* context, AVFrame* frame, int flags);
+    bool giveMemoryTo(AVFrame& frame);
 
     AvPtr<AVCodecParameters> const parameters_;
     AvPtr<AVCodecContext> context_;
     AvPtr<AVPacket> const packet_;
-    AvPtr<AVBufferPool> blocks_;  ///< Memory for packets.
-    size_t blockByteCount_ = 0;
+    size_t blockByteCount_ = 0;        ///< Of the block that the packet has.
+    AvPtr<AVBufferPool> frameMemory_;  ///< For the samples of a frame, all channels in one piece.
+    int frameByteCount_ = 0;
     std::vector<AvPtr<AVFrame>> spare_;
 };
 

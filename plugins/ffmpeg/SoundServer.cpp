@@ -18,7 +18,7 @@ constexpr std::uint64_t aheadSamples = 8192;
 }  // namespace
 
 SoundServer::SoundServer(std::vector<Aud::Metadata>& audioStreams, std::unique_ptr<SoundFile> file)
-    : AudioReader(audioStreams), file_(std::move(file)) {
+    : AudioReader(audioStreams), file_(std::move(file)), feedings_(file_->tracks().size()) {
     audioStreams.clear();
     for (SoundTrack const& track : file_->tracks()) {
         audioStreams.push_back(metadataOf(track.form));
@@ -26,8 +26,16 @@ SoundServer::SoundServer(std::vector<Aud::Metadata>& audioStreams, std::unique_p
     for (unsigned int stream = 0; stream < file_->tracks().size(); ++stream) {
         SoundTrack const& track = file_->tracks()[stream];
         if (track.coded) {
-            initAudioCodec(stream, Ox::makePtr<SoundConfiguration>(*track.parameters, track.form));
+            findDecoder(stream, track);
         }
+    }
+}
+
+void SoundServer::findDecoder(unsigned int stream, SoundTrack const& track) {
+    initAudioCodec(stream, Ox::makePtr<SoundConfiguration>(*track.parameters, track.form));
+    auto const found = codecs.find(static_cast<int>(stream));
+    if (found != codecs.end()) {
+        feedings_[stream].decoder = Ox::dynamicPtrCast<FFmpegAudioDecoder>(found->second);
     }
 }
 
@@ -41,6 +49,9 @@ void SoundServer::readAudio(Ox::Ptr<AudioReadRequest>& request) {
     }
     reading_ = request.get();
     wanted_.isSettled = false;
+    if (beginsAtStart(*request)) {
+        halt(request->stream);
+    }
     AudioReader::readAudio(request);
     reading_ = nullptr;
 }
@@ -51,6 +62,53 @@ bool SoundServer::isBehindEnd(AudioReadRequest const& request) const {
     }
     SoundTrack const& track = file_->tracks()[request.stream];
     return track.coded && request.startSample >= static_cast<std::uint64_t>(track.sampleCount());
+}
+
+/// Such a read resets the decoder before it asks for a frame.
+bool SoundServer::beginsAtStart(AudioReadRequest& request) {
+    return request.stream < streams.size() &&
+           request.startSample < streams[request.stream].samplesPerCodecFrame && !contains(request);
+}
+
+void SoundServer::halt(unsigned int stream) {
+    if (SoundAhead* const ahead = feedings_[stream].ahead.get()) {
+        ahead->halt();
+    }
+}
+
+/// Has all packets fed for the samples up to `end`, and goes on with those behind them. Where that fails, the
+/// bundle brings what is missing.
+void SoundServer::feedAhead(unsigned int stream, std::uint64_t first, std::uint64_t end) {
+    Feeding& feeding = feedings_[stream];
+    if (!feeding.decoder) {
+        return;
+    }
+    if (!feeding.ahead) {
+        feeding.ahead = std::make_unique<SoundAhead>([this, stream] { return feedNext(stream); });
+    }
+    CodedTrack& track = *file_->tracks()[stream].coded;
+    auto const last = static_cast<std::uint64_t>(track.sampleCount());
+    uint32_t const wanted = track.packetsFor(static_cast<int64_t>(first),
+                                             static_cast<int64_t>(std::min(end + aheadSamples, last)));
+    uint32_t const needed = track.packetsFor(static_cast<int64_t>(first), static_cast<int64_t>(end));
+    if (!feeding.ahead->goOn(track.packetsGiven(), needed, wanted)) {
+        feeding.ahead->halt();
+    }
+}
+
+/// On the thread that feeds.
+bool SoundServer::feedNext(unsigned int stream) {
+    Feeding& feeding = feedings_[stream];
+    try {
+        bool const isThere = file_->tracks()[stream].coded->giveNext(feeding.packet, feeding.bytes);
+        if (isThere) {
+            feeding.decoder->bundles().feed(feeding.packet);
+        }
+        return isThere;
+    } catch (std::exception const& exception) {
+        Log("FFmpeg: stream %u can't be read: %s\n", stream, exception.what());
+        return false;
+    }
 }
 
 /// The read that is under way has come to its first frame: its samples aren't held from an earlier read.
@@ -110,7 +168,13 @@ OxResult SoundServer::readBundle(unsigned int stream, std::uint64_t frame, ByteB
     if (isWanted && !wanted_.decodesAhead && first >= wanted_.endSample) {
         return oxEndOfData;
     }
-    track.bundle(static_cast<int64_t>(first), static_cast<int64_t>(endOf(stream, frame)), bundle_);
+    std::uint64_t const end = endOf(stream, frame);
+    if (isWanted && wanted_.decodesAhead && track.goesOnAt(static_cast<int64_t>(first))) {
+        feedAhead(stream, first, end);
+    } else {
+        halt(stream);
+    }
+    track.bundle(static_cast<int64_t>(first), static_cast<int64_t>(end), bundle_);
     buffer.append(bundle_.data(), static_cast<std::uint32_t>(bundle_.size()));
     return oxSuccess;
 }

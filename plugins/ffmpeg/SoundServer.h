@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "audio/AudioReader.h"
+#include "plugins/ffmpeg/FFmpegAudioDecoder.h"
+#include "plugins/ffmpeg/SoundAhead.h"
 #include "plugins/ffmpeg/SoundFile.h"
 
 namespace playfile_ffmpeg {
@@ -12,10 +14,11 @@ namespace playfile_ffmpeg {
 /// Serves the audio reads of one open file.
 ///
 /// A coded stream is read by frames that are counted from its first sample that is heard. A read that
-/// goes on where the last one ended decodes ahead, so that the reads after it find their samples; one that
-/// jumps there decodes what its request needs and no more.
+/// goes on where the last one ended decodes ahead, so that the reads after it find their samples, and has
+/// the packets behind that decoded while its caller digests them; one that jumps there decodes what its
+/// request needs and no more.
 ///
-/// Threads    As `Ox::AudioReader`.
+/// Threads    As `Ox::AudioReader`. Each coded stream that is read in order has a thread that feeds its decoder.
 /// Errors     A stream without a decoder fails its reads. A read that begins behind the end of a stream
 ///            that is shorter than the file is complete and empty.
 /// Deliberate The frame that ends a read is longer than the others if the request's samples go on behind
@@ -45,6 +48,19 @@ private:
         bool isSettled = false;
     };
 
+    /// The feeding of a stream's decoder ahead of the reads.
+    struct Feeding {
+        Ox::Ptr<FFmpegAudioDecoder> decoder;
+        Bundle::Packet packet;
+        std::vector<std::uint8_t> bytes;
+        std::unique_ptr<SoundAhead> ahead;
+    };
+
+    void findDecoder(unsigned int stream, SoundTrack const& track);
+    void halt(unsigned int stream);
+    [[nodiscard]] bool beginsAtStart(AudioReadRequest& request);
+    void feedAhead(unsigned int stream, std::uint64_t first, std::uint64_t end);
+    [[nodiscard]] bool feedNext(unsigned int stream);
     [[nodiscard]] bool isBehindEnd(AudioReadRequest const& request) const;
     void settle(AudioReadRequest const& request, CodedTrack& track);
     [[nodiscard]] OxResult readPcm(PcmTrack& track, std::uint32_t bytesOfAll, std::uint64_t sample,
@@ -57,6 +73,7 @@ private:
     AudioReadRequest const* reading_ = nullptr;  ///< Under way; null between reads.
     Wanted wanted_;
     std::vector<std::uint8_t> bundle_;
+    std::vector<Feeding> feedings_;  ///< By stream. Last, as their threads use all the others.
 };
 
 }  // namespace playfile_ffmpeg
