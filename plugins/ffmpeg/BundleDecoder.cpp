@@ -60,6 +60,7 @@ void BundleDecoder::startAnew(Bundle const& bundle) {
 void BundleDecoder::feed(Bundle::Packet const& packet) {
     reuseForgotten();
     if (!packet.bytes.empty()) {
+        packetsFed_.fetch_add(1, std::memory_order_relaxed);
         decoder_->feed(packet.bytes);
         collect();
     }

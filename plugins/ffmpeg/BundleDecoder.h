@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -26,6 +27,8 @@ public:
     BundleDecoder(std::unique_ptr<SoundDecoder> decoder, SoundForm form);
 
     SoundForm const& form() const { return form_; }
+    /// Packets that the decoder has had so far, those before a jump included.
+    uint64_t packetsFed() const { return packetsFed_.load(std::memory_order_relaxed); }
     /// Forgets all that it has been given.
     void reset();
 
@@ -63,6 +66,8 @@ private:
     int64_t next_ = 0;            ///< Where the next frame of a decoder that holds back samples stands.
     bool isAtStart_ = true;       ///< Nothing has come out since the decoder began.
     bool isDrained_ = false;
+
+    std::atomic<uint64_t> packetsFed_{0};
 
     std::mutex lock_;                        ///< Of the next two.
     std::deque<Decoded> decoded_;            ///< In ascending order.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "plugins/ffmpeg/MovSampleTables.h"
+
 namespace playfile_ffmpeg {
 namespace {
 
@@ -46,6 +48,11 @@ bool FrameFetcher::build(std::string const& path, std::string& error) {
         return false;
     }
     facts_ = factsOf(container->format(), container->video());
+    if (container->isFormat("mov") &&
+        MovSampleTables::lieElsewhere(*file_, static_cast<uint32_t>(container->video().id))) {
+        error = "names another file that holds its pictures";
+        return false;
+    }
     BuiltIndex const built = buildIndex(*container, *file_);
     std::vector<PacketEntry> packets = numberFrames(built.packets, parameters_->codec_id, built.timesAreTrue);
     bool const isRaw = container->isRawStream();

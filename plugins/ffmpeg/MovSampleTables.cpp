@@ -12,7 +12,9 @@ using Bytes = std::span<uint8_t const>;
 constexpr size_t largestMovieBox = size_t{256} << 20;
 constexpr uint32_t mostSamples = uint32_t{1} << 24;
 constexpr uint64_t largestPosition = std::numeric_limits<int64_t>::max();
-constexpr size_t fullBoxHeader = 4;  // version and flags
+constexpr size_t fullBoxHeader = 4;      // version and flags
+constexpr size_t tableHeader = 8;        // and a number of rows
+constexpr size_t descriptionHeader = 6;  // of zeroes, before the number of a reference
 
 constexpr uint32_t fourcc(char const (&name)[5]) {
     return static_cast<uint32_t>(name[0]) << 24 | static_cast<uint32_t>(name[1]) << 16 |
@@ -100,6 +102,34 @@ uint32_t trackIdOf(Bytes track) {
     Bytes const header = childBox(track, fourcc("tkhd"));
     bool const hasLongTimes = !header.empty() && header[0] == 1;
     return be32(header, fullBoxHeader + (hasLongTimes ? 16 : 8));
+}
+
+/// Calls `take` with the media information of the track.
+template <typename Take>
+void withTrack(Bytes movie, uint32_t trackId, Take take) {
+    bool isFound = false;
+    forEachBox(movie, [&](uint32_t type, Bytes track) {
+        if (type != fourcc("trak") || isFound || trackIdOf(track) != trackId) {
+            return;
+        }
+        isFound = true;
+        take(childBox(childBox(track, fourcc("mdia")), fourcc("minf")));
+    });
+}
+
+/// References to data in the order of their numbers, which begin at 1: true for one that names another file.
+/// One that names nothing can only mean its own.
+std::vector<bool> referencesOf(Bytes media) {
+    constexpr uint32_t isOwnFile = 1;
+    std::vector<bool> leadElsewhere{false};
+    Bytes const box = childBox(childBox(media, fourcc("dinf")), fourcc("dref"));
+    if (box.size() > tableHeader) {
+        forEachBox(box.subspan(tableHeader), [&](uint32_t, Bytes reference) {
+            bool const isOwn = (be32(reference, 0) & isOwnFile) != 0 || reference.size() <= fullBoxHeader;
+            leadElsewhere.push_back(!isOwn);
+        });
+    }
+    return leadElsewhere;
 }
 
 }  // namespace
@@ -213,15 +243,27 @@ std::optional<MovSampleTables> MovSampleTables::read(ByteFile const& file, uint3
     std::vector<uint8_t> const movie = readMovieBox(file);
     bool const isFragmented = !childBox(movie, fourcc("mvex")).empty();
     std::optional<MovSampleTables> found;
-    forEachBox(movie, [&](uint32_t type, Bytes track) {
-        if (type != fourcc("trak") || found || trackIdOf(track) != trackId) {
-            return;
-        }
-        Bytes const media = childBox(track, fourcc("mdia"));
-        Bytes const tables = childBox(childBox(media, fourcc("minf")), fourcc("stbl"));
-        found = MovTrackParser(tables, isFragmented).parse();
+    withTrack(movie, trackId, [&](Bytes media) {
+        found = MovTrackParser(childBox(media, fourcc("stbl")), isFragmented).parse();
     });
     return found;
+}
+
+bool MovSampleTables::lieElsewhere(ByteFile const& file, uint32_t trackId) {
+    std::vector<uint8_t> const movie = readMovieBox(file);
+    bool isElsewhere = false;
+    withTrack(movie, trackId, [&](Bytes media) {
+        std::vector<bool> const leadElsewhere = referencesOf(media);
+        Bytes const descriptions = childBox(childBox(media, fourcc("stbl")), fourcc("stsd"));
+        if (descriptions.size() <= tableHeader) {
+            return;
+        }
+        forEachBox(descriptions.subspan(tableHeader), [&](uint32_t, Bytes description) {
+            uint32_t const number = be32(description, descriptionHeader) >> 16;
+            isElsewhere = isElsewhere || (number < leadElsewhere.size() && leadElsewhere[number]);
+        });
+    });
+    return isElsewhere;
 }
 
 }  // namespace playfile_ffmpeg

@@ -17,6 +17,10 @@ public:
     /// Nothing when there is no such track or its tables aren't whole. Reads the movie box.
     static std::optional<MovSampleTables> read(ByteFile const& file, uint32_t trackId);
 
+    /// True if the movie says that some of the track's samples lie in another file, so that its tables tell
+    /// nothing of this one. Reads the movie box.
+    static bool lieElsewhere(ByteFile const& file, uint32_t trackId);
+
     /// True if more samples may follow in fragments, of which the tables know nothing.
     bool isFragmented() const { return isFragmented_; }
     uint32_t descriptionCount() const { return descriptionCount_; }

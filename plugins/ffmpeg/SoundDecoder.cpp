@@ -58,6 +58,7 @@ int SoundDecoder::openContext() {
         return code;
     }
     context->thread_count = 1;
+    context->thread_type = 0;
     context->opaque = this;
     context->get_buffer2 = &SoundDecoder::getBuffer;
     AVDictionary* options = nullptr;

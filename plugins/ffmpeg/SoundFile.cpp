@@ -51,13 +51,16 @@ std::unique_ptr<SoundFile> SoundFile::open(std::string const& path, std::string&
     opened->facts_ = factsOf(container.format(), *container.streams().front());
     opened->hasPicture_ = container.hasPicture();
     std::vector<SoundPlan> plans = planSound(container, *file, path);
+    bool const isElsewhere =
+        std::any_of(plans.begin(), plans.end(), [](SoundPlan const& plan) { return plan.liesElsewhere; });
     for (size_t stream = 0; stream < plans.size(); ++stream) {
         opened->tracks_.push_back(trackOf(std::move(plans[stream]), stream, path, file));
     }
     bool const isAnyReadable = std::any_of(opened->tracks_.begin(), opened->tracks_.end(),
                                            [](SoundTrack const& track) { return track.form.isReadable(); });
     if (!isAnyReadable) {
-        error = "holds no sound that can be decoded";
+        error =
+            isElsewhere ? "names another file that holds its sound" : "holds no sound that can be decoded";
         return nullptr;
     }
     return opened;

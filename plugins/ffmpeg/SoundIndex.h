@@ -32,7 +32,6 @@ public:
     uint32_t packetCount() const { return static_cast<uint32_t>(packets_.size()); }
     SoundPacket const& packet(uint32_t number) const { return packets_[number]; }
     KeptSamples const& kept() const { return kept_; }
-    int64_t decodedCount() const { return packets_.empty() ? 0 : packets_.back().endSample(); }
 
     /// The packet that gives a decoded sample; the last one for samples behind all packets.
     ///

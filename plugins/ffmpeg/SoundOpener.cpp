@@ -6,6 +6,8 @@
 #include <memory>
 #include <optional>
 
+#include "plugins/ffmpeg/MovSampleTables.h"
+
 extern "C" {
 #include <libavutil/intreadwrite.h>
 }
@@ -178,6 +180,17 @@ std::optional<SoundPlan> planOnePiece(SoundContainer& container, ByteFile const&
     return plan;
 }
 
+/// What the file has where a movie says that another one's samples lie is something else.
+void refuseIfElsewhere(SoundContainer const& container, ByteFile const& file, AVStream const& stream,
+                       SoundPlan& plan) {
+    plan.liesElsewhere =
+        container.isFormat("mov") && MovSampleTables::lieElsewhere(file, static_cast<uint32_t>(stream.id));
+    if (plan.liesElsewhere) {
+        plan.form.form = Aud::sampleUnknown;
+        plan.pcm.reset();
+    }
+}
+
 }  // namespace
 
 std::vector<SoundPlan> planSound(SoundContainer& container, ByteFile const& file, std::string const& path) {
@@ -198,8 +211,9 @@ std::vector<SoundPlan> planSound(SoundContainer& container, ByteFile const& file
     } else {
         scan(container, surveys);
     }
-    for (auto const& survey : surveys) {
-        plans.push_back(survey->finish());
+    for (size_t index = 0; index < surveys.size(); ++index) {
+        plans.push_back(surveys[index]->finish());
+        refuseIfElsewhere(container, file, *container.streams()[index], plans.back());
     }
     return plans;
 }

@@ -111,14 +111,17 @@ bool SoundServer::feedNext(unsigned int stream) {
     }
 }
 
-/// The read that is under way has come to its first frame: its samples aren't held from an earlier read.
+/// The read that is under way has come to its first frame: its samples aren't held from an earlier read. One
+/// from the start is the first of many, and the decoder would have to begin anew for the rest of the first
+/// frame.
 void SoundServer::settle(AudioReadRequest const& request, CodedTrack& track) {
     std::uint64_t const frameSamples = streams[request.stream].samplesPerCodecFrame;
     wanted_.stream = request.stream;
     wanted_.firstFrame = request.startSample / frameSamples;
     wanted_.endSample = request.startSample + request.numSamples;
     wanted_.fetchedSamples = request.mcsCount;
-    wanted_.decodesAhead = track.goesOnAt(static_cast<int64_t>(wanted_.firstFrame * frameSamples));
+    wanted_.decodesAhead =
+        wanted_.firstFrame == 0 || track.goesOnAt(static_cast<int64_t>(wanted_.firstFrame * frameSamples));
     wanted_.isSettled = true;
 }
 

@@ -14,7 +14,7 @@ namespace playfile_ffmpeg {
 /// Serves the audio reads of one open file.
 ///
 /// A coded stream is read by frames that are counted from its first sample that is heard. A read that
-/// goes on where the last one ended decodes ahead, so that the reads after it find their samples, and has
+/// goes on where the last one ended, or begins at the start, decodes ahead, so that the reads after it find their samples, and has
 /// the packets behind that decoded while its caller digests them; one that jumps there decodes what its
 /// request needs and no more.
 ///

@@ -33,6 +33,8 @@ struct SoundPlan {
     std::vector<SoundPacket> packets;
     std::vector<bool> isStart;
     LeadIn leadIn;
+    /// The samples are those of another file, which isn't read.
+    bool liesElsewhere = false;
     /// Empty if the packets lie in the file in one piece each.
     std::vector<PacketTrace> traces;
 };

@@ -8,6 +8,7 @@
 #include <numeric>
 
 #include "tests/plugins_ffmpeg/Media.h"
+#include "tests/plugins_ffmpeg/MovBoxes.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace test {
@@ -248,6 +249,15 @@ TEST_F(FrameFetcherTest, RefusesAFileWithoutAPicture) {
     std::string error;
     EXPECT_FALSE(FrameFetcher::open(medium("tone.wav"), error));
     EXPECT_EQ(error, "holds no video stream");
+}
+
+TEST_F(FrameFetcherTest, RefusesAMovieWhosePicturesLieInAnotherFile) {
+    std::ifstream in(medium("h264-one-frame.mp4"), std::ios::binary);
+    std::string const bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    folder_.write("reference.mov", referringElsewhere(bytes));
+    std::string error;
+    EXPECT_FALSE(FrameFetcher::open(folder_.file("reference.mov"), error));
+    EXPECT_EQ(error, "names another file that holds its pictures");
 }
 
 }  // namespace

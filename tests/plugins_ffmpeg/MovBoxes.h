@@ -27,8 +27,14 @@ using SampleTable = std::map<std::string, std::string>;
 /// are decoded.
 [[nodiscard]] SampleTable fourSamples();
 
-/// A track with this number.
-[[nodiscard]] std::string track(std::uint32_t id, SampleTable const& table);
+/// A track with this number. @param information  boxes beside the sample table
+[[nodiscard]] std::string track(std::uint32_t id, SampleTable const& table,
+                                std::string const& information = "");
+/// The boxes that say where the data of a track lie, reference by reference.
+[[nodiscard]] std::string references(std::vector<std::string> const& boxes);
+
+/// A movie whose first track is said to have its samples in another file. @param movie  the bytes of a file
+[[nodiscard]] std::string referringElsewhere(std::string movie);
 /// A file that consists of a movie box.
 [[nodiscard]] std::string movie(std::string const& content);
 

@@ -230,5 +230,45 @@ TEST_F(MovSampleTablesTest, RefusesASampleThatEndsBeyondWhatAFileCanBe) {
     EXPECT_TRUE(isRefused());
 }
 
+/// Tracks whose samples a movie says to be in another file.
+class MovDataReferences : public MovSampleTablesTest {
+protected:
+    static constexpr std::uint32_t isOwnFile = 1;
+
+    /// @param number  of the reference that the description of the samples bears
+    [[nodiscard]] bool lieElsewhere(std::vector<std::string> const& boxes, std::uint32_t number = 1) {
+        table_["stsd"] = rows(1, box("sowt", std::string(6, '\0') + be32({number << 16})));
+        folder_.write("clip.mov", movie(track(trackId, table_, references(boxes))));
+        ByteFile file;
+        std::string error;
+        EXPECT_TRUE(file.open(folder_.file("clip.mov"), error)) << error;
+        return MovSampleTables::lieElsewhere(file, trackId);
+    }
+    std::string const own_ = box("url ", be32({isOwnFile}));
+    std::string const other_ = box("alis", be32({0}) + "a file");
+};
+
+TEST_F(MovDataReferences, LeadToTheFileItself) {
+    EXPECT_FALSE(lieElsewhere({own_}));
+}
+
+TEST_F(MovDataReferences, LeadToAnotherFile) {
+    EXPECT_TRUE(lieElsewhere({other_}));
+}
+
+TEST_F(MovDataReferences, CountOnlyWhereADescriptionBearsTheirNumber) {
+    EXPECT_FALSE(lieElsewhere({own_, other_}, 1));
+    EXPECT_TRUE(lieElsewhere({own_, other_}, 2));
+}
+
+TEST_F(MovDataReferences, ThatNameNothingLeadToTheFileItself) {
+    EXPECT_FALSE(lieElsewhere({box("url ", be32({0}))}));
+}
+
+TEST_F(MovDataReferences, ThatAreNotThereLeadToTheFileItself) {
+    EXPECT_FALSE(lieElsewhere({}));
+    EXPECT_FALSE(lieElsewhere({own_}, 9));
+}
+
 }  // namespace
 }  // namespace test

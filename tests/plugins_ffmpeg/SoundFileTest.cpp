@@ -3,8 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+
 #include "plugins/ffmpeg/SoundOpener.h"
 #include "tests/plugins_ffmpeg/Media.h"
+#include "tests/plugins_ffmpeg/MovBoxes.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace test {
@@ -127,6 +131,52 @@ TEST(SoundFile, RefusesAFileWithoutSound) {
     std::string error;
     EXPECT_FALSE(SoundFile::open(medium("h264-one-frame.mp4"), error));
     EXPECT_EQ(error, "holds no sound");
+}
+
+/// A medium, changed.
+class ChangedSoundFile : public ::testing::Test {
+protected:
+    [[nodiscard]] static std::string bytesOf(std::string const& name) {
+        std::ifstream in(medium(name), std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    }
+    void open(std::string const& bytes) {
+        folder_.write("changed", bytes);
+        file_ = SoundFile::open(folder_.file("changed"), error_);
+    }
+
+    TemporaryFolder folder_;
+    std::unique_ptr<SoundFile> file_;
+    std::string error_;
+};
+
+TEST_F(ChangedSoundFile, IsRefusedIfItsSamplesLieInAnother) {
+    open(referringElsewhere(bytesOf("music-s16.mov")));
+    EXPECT_FALSE(file_);
+    EXPECT_EQ(error_, "names another file that holds its sound");
+}
+
+TEST_F(ChangedSoundFile, IsRefusedIfItsPacketsLieInAnother) {
+    open(referringElsewhere(bytesOf("music-aac.mp4")));
+    EXPECT_EQ(error_, "names another file that holds its sound");
+}
+
+TEST_F(ChangedSoundFile, KeepsAStreamOfItsOwnBesideOneThatLiesInAnother) {
+    open(referringElsewhere(bytesOf("music-two-streams.mov")));
+    ASSERT_TRUE(file_) << error_;
+    ASSERT_EQ(file_->tracks().size(), 2U);
+    EXPECT_FALSE(file_->tracks()[0].form.isReadable());
+    EXPECT_TRUE(file_->tracks()[1].form.isReadable());
+}
+
+TEST_F(ChangedSoundFile, KeepsAStreamBesideOneThatNothingDecodes) {
+    std::string bytes = bytesOf("music-two-streams.mov");
+    bytes.replace(bytes.find("sowt", bytes.rfind("moov")), 4, "zzzz");
+    open(bytes);
+    ASSERT_TRUE(file_) << error_;
+    ASSERT_EQ(file_->tracks().size(), 2U);
+    EXPECT_FALSE(file_->tracks()[0].form.isReadable());
+    EXPECT_TRUE(file_->tracks()[1].form.isReadable());
 }
 
 }  // namespace

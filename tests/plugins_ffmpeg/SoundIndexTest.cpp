@@ -20,10 +20,6 @@ TEST(SoundIndex, LaysThePacketsOneBehindTheOther) {
     EXPECT_EQ(indexOf({100, 50, 70}).packet(2).firstSample, 150);
 }
 
-TEST(SoundIndex, CountsAllDecodedSamples) {
-    EXPECT_EQ(indexOf({100, 50, 70}).decodedCount(), 220);
-}
-
 TEST(SoundIndex, FindsThePacketOfItsFirstAndItsLastSample) {
     SoundIndex const index = indexOf({100, 50, 70});
     EXPECT_EQ(index.packetWith(100), 1U);

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+
 #include "playfile/Counters.h"
 #include "plugins/ffmpeg/Bundle.h"
 #include "plugins/ffmpeg/FFmpegAudioDecoder.h"
@@ -12,6 +15,7 @@
 #include "tests/fakes/LogRecorder.h"
 #include "tests/fakes/RecordingIssuer.h"
 #include "tests/plugins_ffmpeg/Media.h"
+#include "tests/support/TemporaryFolder.h"
 #include "toolkit/plugins/AudioDecoderInfo.h"
 #include "video/VideoReadRequest.h"
 
@@ -31,10 +35,10 @@ class SoundServerTest : public ::testing::Test {
 protected:
     SoundServerTest() { registerDecoder(); }
 
-    void open(std::string const& name) {
+    void open(std::string const& name) { openFile(medium(name)); }
+    void openFile(std::string const& path) {
         std::string error;
-        reader_ =
-            FFmpegSoundReader::open(fromUTF8(medium(name).c_str()), DecodeFormat(), OpenType::audio, error);
+        reader_ = FFmpegSoundReader::open(fromUTF8(path.c_str()), DecodeFormat(), OpenType::audio, error);
         ASSERT_TRUE(reader_) << error;
     }
     /// @param fetch  samples that the library would fetch; 0 for `count`
@@ -151,8 +155,13 @@ TEST_F(SoundServerTest, DecodesNoMoreThanIsAskedForAfterAJump) {
 
 TEST_F(SoundServerTest, DecodesAsFarAsTheLibraryAsksWhereItGoesOn) {
     open("music-aac.mp4");
-    static_cast<void>(read(0, 4096, 16384));
-    EXPECT_GE(samplesOf(*read(4096, 4096, 16384)), 16384U - 1024U);
+    static_cast<void>(read(50'176, 4096, 16384));
+    EXPECT_GE(samplesOf(*read(54'272, 4096, 16384)), 16384U - 1024U);
+}
+
+TEST_F(SoundServerTest, DecodesAsFarAsTheLibraryAsksFromTheStart) {
+    open("music-24.flac");
+    EXPECT_GE(samplesOf(*read(0, 4096, 36864)), 36864U);
 }
 
 TEST_F(SoundServerTest, DecodesSomeBlocksAheadWhereItGoesOn) {
@@ -171,6 +180,115 @@ TEST_F(SoundServerTest, GivesTheSameWhenItComesBackToTheStart) {
     static_cast<void>(read(100'000, 4096));
     EXPECT_EQ(bytesOf(*read(0, 4096), 4096), first);
 }
+
+TEST_F(SoundServerTest, FailsReadsOfAStreamThatNothingDecodesAndServesTheOneBesideIt) {
+    std::ifstream in(medium("music-two-streams.mov"), std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    bytes.replace(bytes.find("sowt", bytes.rfind("moov")), 4, "zzzz");
+    TemporaryFolder const folder;
+    folder.write("half.mov", bytes);
+    openFile(folder.file("half.mov"));
+    EXPECT_EQ(read(0, 100, 0, 0)->getRequestStatus(), requestFailed);
+    std::string const beside = bytesOf(*read(5000, 100, 0, 1), 100);
+    open("music-two-streams.mov");
+    EXPECT_EQ(beside, bytesOf(*read(5000, 100, 0, 1), 100));
+}
+
+TEST_F(SoundServerTest, GivesTheSameInOrderAsInOneRead) {
+    for (char const* const name : {"music-aac.mp4", "music-128k.mp3", "music.opus", "music-24.flac"}) {
+        open(name);
+        auto const total = static_cast<std::uint32_t>(sampleCount());
+        std::string const whole = bytesOf(*read(0, total), total);
+        open(name);
+        std::string inOrder;
+        for (std::uint32_t first = 0; first < total; first += 1920) {
+            std::uint32_t const count = std::min(1920U, total - first);
+            inOrder += bytesOf(*read(first, count), count);
+        }
+        EXPECT_TRUE(inOrder == whole) << name;
+    }
+}
+
+TEST_F(SoundServerTest, GivesTheSameAfterJumpsOutOfAReadingInOrder) {
+    open("music-128k.mp3");
+    auto const total = static_cast<std::uint32_t>(sampleCount());
+    std::string const whole = bytesOf(*read(0, total), total);
+    std::size_t const bytes = whole.size() / total;
+    open("music-128k.mp3");
+    for (std::uint32_t const start : {0U, 100'000U, 30'000U, 0U, 150'000U}) {
+        for (std::uint32_t first = start; first < start + 20'000; first += 1000) {
+            ASSERT_TRUE(bytesOf(*read(first, 1000), 1000) == whole.substr(first * bytes, 1000 * bytes))
+                << first;
+        }
+    }
+}
+
+/// Hands out the plug-in's own decoders, and keeps the last one in sight.
+class WatchedDecoders : public FFmpegAudioDecoderInfo {
+public:
+    [[nodiscard]] Ox::Ptr<Ox::AudioCodecInstance> makeInstance(
+        Aud::Metadata const& metadata, Ox::Ptr<iMemHolder> const& configuration) override {
+        Ox::Ptr<Ox::AudioCodecInstance> made = FFmpegAudioDecoderInfo::makeInstance(metadata, configuration);
+        last_ = Ox::dynamicPtrCast<FFmpegAudioDecoder>(made);
+        return made;
+    }
+    [[nodiscard]] std::uint64_t packetsFed() const { return last_->bundles().packetsFed(); }
+
+private:
+    Ox::Ptr<FFmpegAudioDecoder> last_;
+};
+
+/// A medium, and what the library fetches for a request of 4096 samples of it.
+struct Played {
+    char const* name;
+    std::uint32_t fetch;
+};
+
+/// Playback from the first sample to the last, in requests of 4096 samples.
+class SoundPlayback : public SoundServerTest, public ::testing::WithParamInterface<Played> {
+protected:
+    /// Before the plain ones.
+    static WatchedDecoders& decoders() {
+        static Ox::Ptr<WatchedDecoders> const watched = Ox::makePtr<WatchedDecoders>();
+        static bool const isAdded = Ox::AudioDecoderInfo::add(watched, 50);
+        EXPECT_TRUE(isAdded);
+        return *watched;
+    }
+
+    void play() {
+        for (std::uint64_t first = 0; first < sampleCount(); first += 4096) {
+            auto const left = static_cast<std::uint32_t>(sampleCount() - first);
+            RequestPtr const request = read(first, std::min(4096U, left), std::min(GetParam().fetch, left));
+            ASSERT_EQ(request->getRequestStatus(), requestComplete);
+        }
+    }
+    [[nodiscard]] static std::uint64_t packetsIn(std::string const& path) {
+        std::string error;
+        SoundContainer container;
+        EXPECT_TRUE(container.open(path, error)) << error;
+        AvPtr<AVPacket> const packet = makePacket();
+        std::uint64_t count = 0;
+        while (container.readPacket(*packet) >= 0) {
+            ++count;
+        }
+        return count;
+    }
+};
+
+TEST_P(SoundPlayback, DecodesEachPacketOnce) {
+    WatchedDecoders const& decoders = SoundPlayback::decoders();
+    open(GetParam().name);
+    play();
+    EXPECT_EQ(decoders.packetsFed(), packetsIn(medium(GetParam().name)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Media, SoundPlayback,
+                         ::testing::Values(Played{"music-aac.mp4", 16384}, Played{"music-128k.mp3", 36864},
+                                           Played{"music.opus", 61440}, Played{"music.ogg", 16384},
+                                           Played{"music-24.flac", 36864}, Played{"music.ac3", 12288}),
+                         [](::testing::TestParamInfo<Played> const& played) {
+                             return testNameOf(played.param.name);
+                         });
 
 /// Frames and packets as the library's part sees them.
 class SoundServerFrames : public SoundServerTest {
