@@ -1,24 +1,16 @@
+/// Clips that are damaged, on the whole road.
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
-#include <random>
 
+#include "tests/real/Mutations.h"
 #include "tests/real/OpenClip.h"
 #include "tests/real/RealMedia.h"
-#include "tests/support/TemporaryFolder.h"
 
 namespace test {
 namespace {
 
 constexpr std::uint32_t mutationCount = turns(500);
-constexpr std::size_t largestOriginal = 700'000;
-
-std::string bytesOf(std::string const& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 
 /// Opens a file and asks for its first frames, its last and one past that; whatever comes of it.
 void readWhatCanBeHad(std::string const& path) {
@@ -41,49 +33,20 @@ INSTANTIATE_TEST_SUITE_P(Files, DamagedFile, testing::ValuesIn(damagedFiles()),
                          });
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(DamagedFile);
 
-/// Damages good files at random, each time another.
-class Mutations : public testing::Test {
+/// Good files, damaged at random.
+class VideoMutations : public testing::Test {
 protected:
-    void SetUp() override {
-        for (std::string const& clip : smallClips()) {
-            std::string bytes = bytesOf(clip);
-            if (!bytes.empty() && bytes.size() <= largestOriginal) {
-                originals_.push_back(std::move(bytes));
-            }
-        }
-        ASSERT_FALSE(originals_.empty());
-    }
+    void SetUp() override { ASSERT_TRUE(mutations_.hasFiles()); }
 
-    [[nodiscard]] std::string const& anOriginal() { return originals_[random_() % originals_.size()]; }
-    [[nodiscard]] std::size_t below(std::size_t limit) { return random_() % limit; }
-
-    void readDamaged(std::string const& bytes, std::uint32_t number) {
-        std::string const name = "damaged" + std::to_string(number);
-        folder_.write(name, bytes);
-        readWhatCanBeHad(folder_.file(name));
-        std::filesystem::remove(folder_.file(name));
-    }
-
-    TemporaryFolder folder_;
-    std::mt19937 random_{20261121};
-    std::vector<std::string> originals_;
+    Mutations mutations_{smallClips(), readWhatCanBeHad};
 };
 
-TEST_F(Mutations, FilesCutAtRandomNeitherCrashNorHang) {
-    for (std::uint32_t i = 0; i < mutationCount / 2; ++i) {
-        std::string const& whole = anOriginal();
-        readDamaged(whole.substr(0, below(whole.size())), i);
-    }
+TEST_F(VideoMutations, FilesCutAtRandomNeitherCrashNorHang) {
+    mutations_.readCut(mutationCount / 2);
 }
 
-TEST_F(Mutations, FilesWithFlippedBitsNeitherCrashNorHang) {
-    for (std::uint32_t i = 0; i < mutationCount / 2; ++i) {
-        std::string bytes = anOriginal();
-        for (std::size_t flips = 1 + below(8); flips > 0; --flips) {
-            bytes[below(bytes.size())] ^= static_cast<char>(1U << below(8));
-        }
-        readDamaged(bytes, i);
-    }
+TEST_F(VideoMutations, FilesWithFlippedBitsNeitherCrashNorHang) {
+    mutations_.readFlipped(mutationCount / 2);
 }
 
 /// Frames that can't be decoded, of a file whose index says that they are there.

@@ -1,14 +1,12 @@
 /// Files whose sound is damaged, on the whole road.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iostream>
-#include <iterator>
 #include <random>
 
 #include "files/PlayFileCache.h"
 #include "host/memory/MemoryCatalogue.h"
 #include "tests/fakes/LogRecorder.h"
+#include "tests/real/Mutations.h"
 #include "tests/real/OpenSound.h"
 #include "tests/real/Readers.h"
 #include "tests/real/RealMedia.h"
@@ -18,13 +16,7 @@ namespace test {
 namespace {
 
 constexpr std::uint32_t mutationCount = turns(200);
-constexpr std::size_t largestOriginal = 700'000;
 constexpr std::uint32_t someSamples = 4096;
-
-std::string bytesOf(std::string const& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 
 /// Opens a file and asks for its first samples, some in the middle, its last and what lies behind; whatever
 /// comes of it.
@@ -56,49 +48,20 @@ INSTANTIATE_TEST_SUITE_P(Files, DamagedSound, testing::ValuesIn(damagedFiles()),
                          });
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(DamagedSound);
 
-/// Damages good files at random, each time another.
+/// Good files, damaged at random.
 class SoundMutations : public testing::Test {
 protected:
-    void SetUp() override {
-        for (std::string const& file : soundFiles()) {
-            std::string bytes = bytesOf(file);
-            if (!bytes.empty() && bytes.size() <= largestOriginal) {
-                originals_.push_back(std::move(bytes));
-            }
-        }
-        ASSERT_FALSE(originals_.empty());
-    }
+    void SetUp() override { ASSERT_TRUE(mutations_.hasFiles()); }
 
-    [[nodiscard]] std::string const& anOriginal() { return originals_[random_() % originals_.size()]; }
-    [[nodiscard]] std::size_t below(std::size_t limit) { return random_() % limit; }
-
-    void readDamaged(std::string const& bytes, std::uint32_t number) {
-        std::string const name = "damaged" + std::to_string(number);
-        folder_.write(name, bytes);
-        readWhatCanBeHad(folder_.file(name));
-        std::filesystem::remove(folder_.file(name));
-    }
-
-    TemporaryFolder folder_;
-    std::mt19937 random_{20261121};
-    std::vector<std::string> originals_;
+    Mutations mutations_{soundFiles(), readWhatCanBeHad};
 };
 
 TEST_F(SoundMutations, FilesCutAtRandomNeitherCrashNorHang) {
-    for (std::uint32_t i = 0; i < mutationCount; ++i) {
-        std::string const& whole = anOriginal();
-        readDamaged(whole.substr(0, below(whole.size())), i);
-    }
+    mutations_.readCut(mutationCount);
 }
 
 TEST_F(SoundMutations, FilesWithFlippedBitsNeitherCrashNorHang) {
-    for (std::uint32_t i = 0; i < mutationCount; ++i) {
-        std::string bytes = anOriginal();
-        for (std::size_t flips = 1 + below(8); flips > 0; --flips) {
-            bytes[below(bytes.size())] ^= static_cast<char>(1U << below(8));
-        }
-        readDamaged(bytes, i);
-    }
+    mutations_.readFlipped(mutationCount);
 }
 
 /// A good file whose container lists its packets, and one like it of which a stretch in the middle is lost.
