@@ -16,6 +16,8 @@ constexpr uint32_t farBackPackets = 300;
 constexpr uint32_t patienceFrames = 2;
 /// More than any decoder holds; what was sent before that long ago never comes out.
 constexpr size_t mostFramesInDecoder = 128;
+/// No frame is coded behind one that is shown so many frames after it.
+constexpr uint32_t farthestReordering = 16;
 /// Packets of a damaged beginning that are tried for a first picture.
 constexpr uint32_t mostLeadingPackets = 300;
 
@@ -39,10 +41,10 @@ DecodeLane::DecodeLane(FrameIndex& index, PacketReader& reader, std::unique_ptr<
       framing_(framing),
       packet_(makePacket()) {}
 
-PicturePtr DecodeLane::fetch(uint32_t wanted, uint32_t keepFrom, PictureStore& store) {
+PicturePtr DecodeLane::fetch(uint32_t wanted, Keep const& keep, PictureStore& store) {
     bool const isJump = !leadsTo(wanted);
     jumpsInARow_ = isJump ? jumpsInARow_ + 1 : 0;
-    Walk const goal{wanted, keepFrom, jumpsInARow_ > jumpsOfAPattern};
+    Walk const goal{wanted, keep, jumpsInARow_ > jumpsOfAPattern};
     PicturePtr picture = !isJump ? walk(goal, store) : walkFrom(index_.startPacketFor(wanted), goal, store);
     uint32_t const start = std::min(startedAt_, index_.startPacketFor(wanted));
     if (!picture && startedAt_ > 0) {
@@ -92,7 +94,7 @@ PicturePtr DecodeLane::fetchFirst(uint32_t& frame) {
             continue;
         }
         if (next_ < index_.packetCount()) {
-            feedNext({0, 0});
+            feedNext({0, {}});
         } else if (!decoder_->hasEnded()) {
             decoder_->drain();
         }
@@ -153,8 +155,7 @@ void DecodeLane::restartAt(uint32_t packet) {
 /// Somebody who jumps about won't read on from here: then nothing after the wanted picture is decoded,
 /// at the price that the decoder can't go on.
 PicturePtr DecodeLane::walk(Walk const& goal, PictureStore& store) {
-    uint32_t const end =
-        goal.endsThere ? index_.endOfFrameAt(index_.packetOf(goal.wanted)) : index_.packetCount();
+    uint32_t const end = goal.endsThere ? endOf(goal) : index_.packetCount();
     for (;;) {
         uint32_t number = 0;
         if (AvPtr<AVFrame> frame = decoder_->receive(number)) {
@@ -177,6 +178,18 @@ PicturePtr DecodeLane::walk(Walk const& goal, PictureStore& store) {
     }
 }
 
+/// One past the last packet of the wanted frame and of those that are wanted before it, of which some may be
+/// coded after it.
+uint32_t DecodeLane::endOf(Walk const& goal) const {
+    uint32_t end = 0;
+    uint32_t const nearest = goal.wanted - std::min(goal.wanted, farthestReordering);
+    for (uint32_t frame = std::min(std::max(goal.keep.wantedFrom, nearest), goal.wanted);
+         frame <= goal.wanted; ++frame) {
+        end = std::max(end, index_.endOfFrameAt(index_.packetOf(frame)));
+    }
+    return end;
+}
+
 /// Keeps what is of use; answers the wanted picture if this is it.
 PicturePtr DecodeLane::sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& goal, PictureStore& store,
                             bool& hasPassed) {
@@ -191,7 +204,7 @@ PicturePtr DecodeLane::sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& g
     }
     uint32_t const shownFrame = static_cast<uint32_t>(shown);
     std::erase(inDecoder_, shownFrame);
-    bool const isOfUse = shownFrame >= goal.keepFrom || shownFrame >= goal.wanted;
+    bool const isOfUse = shownFrame >= goal.keep.first || shownFrame >= goal.wanted;
     if (!isOfUse || !isCertain(shownFrame)) {
         return nullptr;
     }
@@ -248,7 +261,7 @@ bool DecodeLane::readPacket(uint32_t number) {
 bool DecodeLane::isDroppable(PacketEntry const& entry, Walk const& goal) {
     if (entry.frame >= 0) {
         uint32_t const frame = static_cast<uint32_t>(entry.frame);
-        isDropping_ = mayDrop_ && frame < goal.wanted && frame < goal.keepFrom;
+        isDropping_ = mayDrop_ && frame < goal.wanted && frame < goal.keep.wantedFrom;
         hasDropped_ = hasDropped_ || isDropping_;
     }
     if (isDropping_ && codec_ == AV_CODEC_ID_HEVC) {

@@ -9,6 +9,7 @@
 #include "plugins/ffmpeg/FrameIndex.h"
 #include "plugins/ffmpeg/PacketReader.h"
 #include "plugins/ffmpeg/PictureStore.h"
+#include "plugins/ffmpeg/ReadPattern.h"
 
 namespace playfile_ffmpeg {
 
@@ -20,11 +21,10 @@ public:
     DecodeLane(FrameIndex& index, PacketReader& reader, std::unique_ptr<FrameDecoder> decoder,
                NalFraming framing);
 
-    /// Frame `wanted`; empty if it can't be decoded. Pictures from `keepFrom` on that come out on the way,
-    /// and those shown after the wanted one, go onto the store. Pictures before `keepFrom` that nobody
-    /// refers to aren't decoded; unless there is damage on the way, since what a decoder makes of a damaged
-    /// picture depends on all that went before.
-    PicturePtr fetch(uint32_t wanted, uint32_t keepFrom, PictureStore& store);
+    /// Frame `wanted`; empty if it can't be decoded. What comes out on the way goes to the store if it is to
+    /// be kept. Pictures before `keep.wantedFrom` that no other needs aren't decoded; unless there is damage
+    /// on the way, since what a decoder makes of a damaged picture depends on all that went before.
+    PicturePtr fetch(uint32_t wanted, Keep const& keep, PictureStore& store);
 
     /// The first picture that decoding from the first packet gives out, with its frame number.
     PicturePtr fetchFirst(uint32_t& frame);
@@ -38,7 +38,7 @@ public:
 private:
     struct Walk {
         uint32_t wanted;
-        uint32_t keepFrom;
+        Keep keep;
         bool endsThere = false;  ///< What follows isn't sent; the decoder is drained instead.
     };
     PicturePtr walkFrom(uint32_t packet, Walk const& goal, PictureStore& store);
@@ -46,6 +46,7 @@ private:
     bool leadsTo(uint32_t wanted) const;
     void restartAt(uint32_t packet);
     PicturePtr walk(Walk const& goal, PictureStore& store);
+    uint32_t endOf(Walk const& goal) const;
     PicturePtr sift(AvPtr<AVFrame> frame, uint32_t number, Walk const& goal, PictureStore& store,
                     bool& hasPassed);
     bool isFalseStart(AVFrame const& frame, uint32_t number);

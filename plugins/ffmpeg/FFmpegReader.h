@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -63,16 +62,11 @@ public:
     ~FFmpegReader() override;
 
 private:
-    /// What the decoder's thread has to know of a batch.
-    struct BatchPlan {
-        std::uint32_t wanted = 0;
-        eDirection direction = eDirection::jump;
-    };
-
     /// The frame of the file that is shown at frame `frame`.
     [[nodiscard]] std::uint32_t storedFrame(std::uint32_t frame) const;
     unsigned int answer(Ox::Ptr<FrameBufferRep>& buffer, VideoReadRequest const& request, PicturePtr picture);
     unsigned int convert(Ox::Ptr<FrameBufferRep>& buffer, VideoReadRequest const& request);
+    [[nodiscard]] ReadPattern plannedPattern();
     void letBatchEndBefore(std::uint32_t frame);
     void show(Ox::Image::Surface& surface, std::uint32_t stored, PicturePtr picture);
     [[nodiscard]] PictureShape ownShape() const;
@@ -89,7 +83,8 @@ private:
     ReadPattern pattern_;              ///< The queue's thread only.
     PictureConverter converter_;       ///< The queue's thread only.
     PictureConverter batchConverter_;  ///< The decoder's thread only.
-    std::atomic<BatchPlan> plan_{};
+    std::mutex planLock_;
+    ReadPattern plannedFor_;  ///< How the frames of the batch are asked for. Under the lock.
 };
 
 }  // namespace playfile_ffmpeg

@@ -97,19 +97,25 @@ void FFmpegReader::getDecodeRange(unsigned int frame, unsigned int& start, unsig
     }
     start = first;
     end = run.end;
-    plan_.store({frame, pattern_.direction()}, std::memory_order_relaxed);
+    std::lock_guard const scope(planLock_);
+    plannedFor_ = pattern_;
+}
+
+ReadPattern FFmpegReader::plannedPattern() {
+    std::lock_guard const scope(planLock_);
+    return plannedFor_;
 }
 
 unsigned int FFmpegReader::decodeFrames(Ox::Ptr<FrameBufferRep>& batch, unsigned int startFrame) {
     FinishedBatch const finished(*batch);
     try {
-        BatchPlan const plan = plan_.load(std::memory_order_relaxed);
-        std::vector<std::uint32_t> const frames = framesInTurn(*batch, plan.wanted);
+        ReadPattern const pattern = plannedPattern();
+        std::vector<std::uint32_t> const frames = framesInTurn(*batch, pattern.last());
         std::vector<std::uint32_t> stored;
         for (std::uint32_t const frame : frames) {
             stored.push_back(storedFrame(frame));
         }
-        decoder_->decode(stored, plan.direction, [&](std::size_t position, PicturePtr const& picture) {
+        decoder_->decode(stored, pattern, [&](std::size_t position, PicturePtr const& picture) {
             Ox::Image::Surface surface = surfaceAt(*batch, frames[position] - startFrame);
             show(surface, stored[position], picture);
             surface.set();

@@ -1,6 +1,7 @@
 #include "plugins/ffmpeg/FrameDecoder.h"
 
 #include <algorithm>
+#include <new>
 
 #include "playfile/Counters.h"
 
@@ -20,6 +21,14 @@ void chooseThreads(AVCodecContext& context, AVCodec const& codec, FrameDecoder::
     context.thread_type = byFrame ? FF_THREAD_FRAME : FF_THREAD_SLICE;
     bool const useful = byFrame || can(codec, AV_CODEC_CAP_SLICE_THREADS | AV_CODEC_CAP_OTHER_THREADS);
     context.thread_count = useful ? 0 : 1;
+}
+
+/// A want of memory says nothing about a packet.
+int checked(int code) {
+    if (code == AVERROR(ENOMEM)) {
+        throw std::bad_alloc();
+    }
+    return code;
 }
 
 }  // namespace
@@ -67,7 +76,7 @@ void FrameDecoder::send(AVPacket& packet, uint32_t number, bool mayDrop) {
     packet.flags &= ~AV_PKT_FLAG_DISCARD;
     context_->skip_frame = mayDrop ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
     ++sentCount_;
-    errorCount_ += avcodec_send_packet(context_.get(), &packet) < 0;
+    errorCount_ += checked(avcodec_send_packet(context_.get(), &packet)) < 0;
 }
 
 void FrameDecoder::drain() {
@@ -85,7 +94,7 @@ void FrameDecoder::reset() {
 AvPtr<AVFrame> FrameDecoder::receive(uint32_t& number) {
     AvPtr<AVFrame> frame = makeFrame();
     for (int errors = 0; errors < mostErrorsInARow; ++errors) {
-        int const code = avcodec_receive_frame(context_.get(), frame.get());
+        int const code = checked(avcodec_receive_frame(context_.get(), frame.get()));
         if (code >= 0) {
             ++decodedCount_;
             PlayFileCounters::add(playFileCounters().framesDecoded);

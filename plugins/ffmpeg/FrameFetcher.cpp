@@ -1,6 +1,7 @@
 #include "plugins/ffmpeg/FrameFetcher.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 #include "plugins/ffmpeg/MovSampleTables.h"
@@ -160,7 +161,10 @@ PicturePtr FrameFetcher::decode(uint32_t frame, Keep const& keep) {
     bool const mayNeedOthers = !(isIntraCoded_ && index_.isEveryPacketAKey());
     if (!picture && (isRun || mayNeedOthers)) {
         DecodeLane* lane = linear();
-        picture = lane != nullptr ? lane->fetch(frame, keep.from, store_) : nullptr;
+        if (lane == nullptr) {
+            throw std::runtime_error("its decoder can't be opened");
+        }
+        picture = lane->fetch(frame, keep, store_);
     }
     if (picture) {
         store_.put(frame, picture, frame);

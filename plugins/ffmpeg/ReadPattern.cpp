@@ -19,12 +19,20 @@ constexpr std::uint64_t fewestStored = 2;
 /// A frame at most this far from the one before is near.
 constexpr std::int64_t nearFrames = 16;
 /// Frames to each side that are kept for whoever looks about.
-constexpr std::uint32_t mostFramesAround = 48;
-/// Of the pictures kept for who goes backward, this part lies behind, for a turn.
-constexpr std::uint32_t turnPart = 8;
+constexpr std::int64_t mostFramesAround = 48;
+/// Of the pictures kept for who goes backward, this part lies behind, for a turn; at most so many.
+constexpr std::int64_t turnPart = 4;
+constexpr std::int64_t mostTurnFrames = 8;
+/// Who has gone onward by so many steps isn't looking about.
+constexpr std::uint32_t stepsOfAPlay = 8;
 
 std::uint32_t orZero(std::int64_t frame) {
     return static_cast<std::uint32_t>(std::max<std::int64_t>(frame, 0));
+}
+
+Keep keepAround(std::uint32_t frame, std::int64_t before, std::int64_t behind) {
+    std::uint32_t const first = orZero(std::int64_t{frame} - before);
+    return {first, first, orZero(std::int64_t{frame} + behind)};
 }
 
 }  // namespace
@@ -38,27 +46,6 @@ PictureRoom PictureRoom::of(std::uint64_t bytes, std::uint64_t pictureBytes) {
     std::uint64_t const store = std::max(whole - std::min(whole, 2 * batch), fewestStored);
     return {static_cast<std::uint32_t>(batch),
             static_cast<std::uint32_t>(std::min<std::uint64_t>(store, INT32_MAX))};
-}
-
-Keep Keep::around(std::uint32_t frame, eDirection direction, PictureRoom const& room) {
-    std::int64_t const at = frame;
-    std::int64_t const store = room.store;
-    switch (direction) {
-        case eDirection::onward:
-            return {frame, frame, UINT32_MAX};
-        case eDirection::backward: {
-            std::int64_t const behind = store / turnPart;
-            std::uint32_t const first = orZero(at - (store - 1 - behind));
-            return {first, first, orZero(at + behind)};
-        }
-        case eDirection::around: {
-            std::int64_t const reach = std::min<std::int64_t>((store - 1) / 2, mostFramesAround);
-            return {orZero(at - reach), orZero(at - reach), orZero(at + reach)};
-        }
-        case eDirection::jump:
-            break;
-    }
-    return {frame, 0, UINT32_MAX};
 }
 
 void ReadPattern::note(std::uint32_t frame) {
@@ -88,6 +75,22 @@ FrameRun ReadPattern::run(PictureRoom const& room, std::uint32_t frameCount) con
         default:
             return {frame, frame + 1};
     }
+}
+
+Keep ReadPattern::keep(std::uint32_t stored, PictureRoom const& room) const {
+    std::int64_t const others = std::int64_t{room.store} - 1;
+    if (direction_ == eDirection::backward) {
+        std::int64_t const behind = std::min(others / turnPart, mostTurnFrames);
+        return keepAround(stored, others - behind, behind);
+    }
+    if (direction_ == eDirection::jump) {
+        return {stored, orZero(stored - others), UINT32_MAX};
+    }
+    if (direction_ == eDirection::onward && steps_ >= stepsOfAPlay) {
+        return {stored, stored, UINT32_MAX};
+    }
+    std::int64_t const reach = std::min(others / 2, mostFramesAround);
+    return keepAround(stored, reach, reach);
 }
 
 }  // namespace playfile_ffmpeg

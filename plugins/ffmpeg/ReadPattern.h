@@ -25,13 +25,11 @@ struct PictureRoom {
 
 /// Frames that are wanted beside one that is fetched.
 struct Keep {
-    /// From here on pictures that come out on the way are stored.
-    std::uint32_t from = 0;
-    /// What is stored outside `first` to `last` goes.
+    /// Nobody asks for a frame before this one, so that it needn't be decoded if no other needs it.
+    std::uint32_t wantedFrom = 0;
+    /// Pictures that come out on the way are stored if they are among these, and others that are stored go.
     std::uint32_t first = 0;
     std::uint32_t last = UINT32_MAX;
-
-    static Keep around(std::uint32_t frame, eDirection direction, PictureRoom const& room);
 };
 
 /// A run of frames, the last one not included.
@@ -48,13 +46,18 @@ public:
     /// Every frame that is asked for is noted.
     void note(std::uint32_t frame);
 
-    /// How the frame that was noted last was come to.
+    /// The frame that was noted last. Requires one.
+    [[nodiscard]] std::uint32_t last() const { return static_cast<std::uint32_t>(last_); }
+    /// How it was come to.
     [[nodiscard]] eDirection direction() const { return direction_; }
 
     /// The frames that are decoded along with the one that was noted last, of a file of `frameCount`. A run
     /// onward grows as more and more frames are asked for one after the other; a run backward ends with
     /// the frame; all others have that one only.
     [[nodiscard]] FrameRun run(PictureRoom const& room, std::uint32_t frameCount) const;
+
+    /// What is kept while frame `stored` of the file is fetched, one of the run.
+    [[nodiscard]] Keep keep(std::uint32_t stored, PictureRoom const& room) const;
 
 private:
     std::int64_t last_ = -1;

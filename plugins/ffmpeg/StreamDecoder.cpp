@@ -56,12 +56,22 @@ void StreamDecoder::limitStore() {
     fetcher_->setStoreLimits({0, pictures, pictures});
 }
 
-void StreamDecoder::decode(std::vector<std::uint32_t> const& frames, eDirection direction,
+void StreamDecoder::decode(std::vector<std::uint32_t> const& frames, ReadPattern const& pattern,
                            Deliver const& deliver) {
     Work const work(*this);
     for (std::size_t position = 0; position < frames.size(); ++position) {
         std::uint32_t const frame = frames[position];
-        deliver(position, fetcher_->fetch(frame, Keep::around(frame, direction, measureRoom())));
+        deliver(position, fetchWith(frame, pattern.keep(frame, measureRoom())));
+    }
+}
+
+/// Nobody knows how far a decoder came that was left by an exception.
+PicturePtr StreamDecoder::fetchWith(std::uint32_t frame, Keep const& keep) {
+    try {
+        return fetcher_->fetch(frame, keep);
+    } catch (...) {
+        fetcher_->closeDecoders();
+        throw;
     }
 }
 
@@ -71,7 +81,7 @@ PicturePtr StreamDecoder::fetch(std::uint32_t frame) {
         return fetcher_->fetch(frame);
     }
     Work const work(*this);
-    return fetcher_->fetch(frame);
+    return fetchWith(frame, {frame, frame, UINT32_MAX});
 }
 
 bool StreamDecoder::comesWith(std::uint32_t frame, std::uint32_t wanted) const {
@@ -97,6 +107,11 @@ bool StreamDecoder::tryClose() {
 FrameFetcher::Counters StreamDecoder::counters() const {
     std::lock_guard const scope(lock_);
     return fetcher_->counters();
+}
+
+std::size_t StreamDecoder::storedCount() const {
+    std::lock_guard const scope(lock_);
+    return fetcher_->store().count();
 }
 
 }  // namespace playfile_ffmpeg

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -17,7 +18,8 @@ namespace playfile_ffmpeg {
 ///
 /// Threads      Any; one decodes at a time.
 /// Lock order   Its own lock, that of the `DecoderKeeper`. Of another decoder the lock is only tried.
-/// Errors       A frame that can't be decoded is empty. What is thrown leaves it as it was.
+/// Errors       A frame that can't be decoded is empty. What is thrown, for want of memory above all, says
+///              nothing about the frame and leaves the decoder closed.
 class StreamDecoder : public KeptDecoder, public std::enable_shared_from_this<StreamDecoder> {
 public:
     /// Takes each frame's picture in turn, empty if there is none.
@@ -34,8 +36,8 @@ public:
     /// As the memory and the pictures that have been seen allow.
     PictureRoom room() const;
 
-    /// Decodes frames in this order.
-    void decode(std::vector<std::uint32_t> const& frames, eDirection direction, Deliver const& deliver);
+    /// Decodes frames in this order, which are asked for in this way.
+    void decode(std::vector<std::uint32_t> const& frames, ReadPattern const& pattern, Deliver const& deliver);
     /// One frame for who reads without batches.
     PicturePtr fetch(std::uint32_t frame);
 
@@ -45,12 +47,15 @@ public:
     bool tryClose() override;
 
     FrameFetcher::Counters counters() const;
+    /// Pictures that are stored.
+    std::size_t storedCount() const;
 
 private:
     class Work;
 
     StreamDecoder(std::unique_ptr<FrameFetcher> fetcher, DecoderKeeper& keeper, std::uint64_t memoryBytes);
 
+    PicturePtr fetchWith(std::uint32_t frame, Keep const& keep);
     PictureRoom measureRoom() const;
     void limitStore();
 

@@ -54,7 +54,7 @@ protected:
     /// The number on a frame; the packets read for it are those in `reader_` afterwards.
     [[nodiscard]] int fetch(uint32_t frame) {
         reader_.numbers.clear();
-        return numberOn(lane_->fetch(frame, frame, store_).get());
+        return numberOn(lane_->fetch(frame, {frame, frame, UINT32_MAX}, store_).get());
     }
     /// The packet from which on the last frame was read.
     [[nodiscard]] uint32_t firstRead() const { return reader_.numbers.empty() ? 0 : reader_.numbers.front(); }
@@ -171,15 +171,15 @@ TEST_F(DecodeLaneTest, ReadsThePacketsOfTheFirstFrameNoSecondTime) {
     EXPECT_EQ(firstRead(), 1U);
 }
 
-TEST_F(DecodeLaneTest, PutsPicturesThatAreToBeKeptOntoTheShelf) {
+TEST_F(DecodeLaneTest, PutsPicturesThatAreToBeKeptIntoTheStore) {
     open(shortGroups);
-    static_cast<void>(lane_->fetch(60, 57, store_));
+    static_cast<void>(lane_->fetch(60, {57, 57, UINT32_MAX}, store_));
     EXPECT_EQ(numberOn(store_.find(58).get()), 58);
 }
 
-TEST_F(DecodeLaneTest, PutsNoEarlierPictureOntoTheShelf) {
+TEST_F(DecodeLaneTest, PutsNoEarlierPictureIntoTheStore) {
     open(shortGroups);
-    static_cast<void>(lane_->fetch(60, 57, store_));
+    static_cast<void>(lane_->fetch(60, {57, 57, UINT32_MAX}, store_));
     EXPECT_FALSE(store_.find(56));
 }
 
@@ -192,9 +192,20 @@ TEST_F(DecodeLaneTest, EndsAtTheFrameForWhoJumpsAbout) {
     EXPECT_EQ(reader_.numbers.back(), index_.packetOf(10));
 }
 
+/// Some of them are coded after it.
+TEST_F(DecodeLaneTest, StoresAllFramesBeforeTheLastForWhoJumpsBackward) {
+    open("h264-one-long-gop.mp4");
+    for (uint32_t const frame : {90U, 70U, 50U, 40U, 30U, 29U, 20U, 19U, 18U, 17U}) {
+        store_.clear();
+        ASSERT_EQ(numberOn(lane_->fetch(frame, {frame - 3, frame - 3, frame}, store_).get()),
+                  static_cast<int>(frame));
+        EXPECT_TRUE(store_.find(frame - 1) && store_.find(frame - 2) && store_.find(frame - 3));
+    }
+}
+
 TEST_F(DecodeLaneTest, GivesThePictureItsTime) {
     open(shortGroups);
-    EXPECT_EQ(lane_->fetch(60, 60, store_)->pts, index_.ptsOf(60));
+    EXPECT_EQ(lane_->fetch(60, {60, 60, UINT32_MAX}, store_)->pts, index_.ptsOf(60));
 }
 
 }  // namespace

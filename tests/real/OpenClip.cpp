@@ -53,6 +53,14 @@ OpenClip::OpenClip(std::string const& path, eNumbering numbering) : cookie_(Ox::
     }
 }
 
+void OpenClip::setOption(char const* key, char const* value) const {
+    configb values;
+    values.set(key, value);
+    if (file_) {
+        file_->setDecodeOptionValues(values);
+    }
+}
+
 Ox::Image::Surface OpenClip::read(std::uint32_t frame, DecodeFormat const& format) const {
     Waiter waiter;
     Ox::Ptr<VideoReadRequest> request;

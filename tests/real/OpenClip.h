@@ -36,6 +36,9 @@ public:
     /// The MD5 sum of a frame's own pixels; empty if it couldn't be had.
     [[nodiscard]] std::string sumOf(std::uint32_t frame) const;
 
+    /// Sets one of the reader's decode options.
+    void setOption(char const* key, char const* value) const;
+
     [[nodiscard]] DecodeFormat const& nativeFormat() const { return nativeFormat_; }
     [[nodiscard]] Cookie const& cookie() const { return cookie_; }
 
