@@ -99,7 +99,7 @@ Frames framesOf(eCase which, std::uint32_t frameCount, std::uint32_t count, std:
         case eCase::heldAgain:
             return Frames(count, frameCount / 2);
         case eCase::twoReaders:
-            return framesInOrder(frameCount / readersOfAFile);
+            return framesInOrder(std::min(static_cast<std::uint32_t>(frameCount / readersOfAFile), count));
         case eCase::interleaved:
             return framesInOrder(std::min(frameCount, count));
     }
@@ -115,10 +115,6 @@ std::uint32_t spannedFrames(Frames const& frames, std::uint32_t framesPerKey) {
         }
     }
     return static_cast<std::uint32_t>(spanned.size());
-}
-
-std::uint32_t startOfReader(std::size_t reader, std::uint32_t frameCount) {
-    return static_cast<std::uint32_t>(frameCount * reader / readersOfAFile);
 }
 
 }  // namespace bench

@@ -20,7 +20,7 @@ enum class eCase {
 
 /// Clips of the case that interleaves them.
 constexpr std::size_t interleavedClips = 8;
-/// Places of the case of two readers.
+/// Places of the case of two readers; the second begins where the first ends.
 constexpr std::size_t readersOfAFile = 2;
 
 /// All of them, in the order of the table.
@@ -36,12 +36,14 @@ constexpr std::size_t readersOfAFile = 2;
 [[nodiscard]] std::vector<std::uint32_t> framesOf(eCase which, std::uint32_t frameCount, std::uint32_t count,
                                                   std::uint32_t seed);
 
+/// In how many places, of one file or of several, the frames are read.
+[[nodiscard]] constexpr std::size_t placesOf(eCase which) {
+    return which == eCase::interleaved ? interleavedClips : which == eCase::twoReaders ? readersOfAFile : 1;
+}
+
 /// How many frames must be decoded at least: those that are asked for and those from the key before each, where
 /// keys come at regular distances.
 [[nodiscard]] std::uint32_t spannedFrames(std::vector<std::uint32_t> const& frames,
                                           std::uint32_t framesPerKey);
-
-/// Where the reader at a place of a clip begins, if there are `readersOfAFile`.
-[[nodiscard]] std::uint32_t startOfReader(std::size_t reader, std::uint32_t frameCount);
 
 }  // namespace bench

@@ -159,9 +159,7 @@ void startLibrary(std::string const& pluginFolder) {
 
 /// The clips that a case reads: the file itself, or as many names of it as the case has files.
 Clips clipsOf(eCase which, std::string const& path, LinkFolder& links) {
-    std::size_t const count = which == eCase::interleaved  ? interleavedClips
-                              : which == eCase::twoReaders ? readersOfAFile
-                                                           : 1;
+    std::size_t const count = placesOf(which);
     Clips clips;
     for (std::size_t i = 0; i < count; ++i) {
         clips.push_back(std::make_unique<Clip>(which == eCase::interleaved ? links.add(path) : path));
@@ -192,7 +190,7 @@ Sample runLibrary(std::string const& path, std::string const& pluginFolder, eCas
     bool isOpen = true;
     for (std::size_t i = 0; i < clips.size() && which != eCase::openAndFirst; ++i) {
         isOpen = isOpen && clips[i]->open();
-        starts[i] = which == eCase::twoReaders ? startOfReader(i, clips[i]->frameCount()) : 0;
+        starts[i] = which == eCase::twoReaders ? static_cast<std::uint32_t>(i * frames.size()) : 0;
     }
     if (!isOpen) {
         return sample;

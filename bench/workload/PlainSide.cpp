@@ -67,16 +67,15 @@ void measure(Sample& sample, std::size_t wanted, std::function<std::uint32_t()> 
 /// Several loops on one file, each at its place; they are open, and stand there, before the time runs.
 Sample runLoops(std::string const& path, eCase which, std::size_t count) {
     Sample sample;
-    auto const frameCount = static_cast<std::uint32_t>(count * readersOfAFile);
     std::vector<std::unique_ptr<PlainLoop>> loops;
-    std::size_t const loopCount = which == eCase::interleaved ? interleavedClips : readersOfAFile;
+    std::size_t const loopCount = placesOf(which);
     for (std::size_t i = 0; i < loopCount; ++i) {
         loops.push_back(std::make_unique<PlainLoop>());
         if (!loops.back()->open(path)) {
             return sample;
         }
         if (which == eCase::twoReaders && i > 0 && count > 0) {
-            loops.back()->frameAt(startOfReader(i, frameCount) - 1);
+            loops.back()->frameAt(static_cast<std::uint32_t>(i * count) - 1);
         }
     }
     measure(sample, count * loopCount, [&] { return readInTurn(loops, count); });

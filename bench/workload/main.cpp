@@ -52,7 +52,8 @@ CaseResult measureCase(Options const& options, ClipResult const& clip, eCase whi
     result.which = which;
     std::uint32_t const count = which == eCase::heldAgain ? heldAgainReads : options.count;
     auto const frames = framesOf(which, clip.facts.frameCount, count, options.seed);
-    result.spannedFrames = spannedFrames(frames, clip.facts.framesPerKey);
+    result.spannedFrames =
+        spannedFrames(frames, clip.facts.framesPerKey) * static_cast<std::uint32_t>(placesOf(which));
     for (unsigned round = 0; round < options.rounds; ++round) {
         result.library.push_back(runInChild(std::function<Sample()>(
             [&] { return runLibrary(clip.path, options.pluginFolder, which, frames); })));

@@ -7,6 +7,7 @@
 #include <functional>
 #include <numeric>
 
+#include "playfile/Counters.h"
 #include "tests/plugins_ffmpeg/Media.h"
 #include "tests/plugins_ffmpeg/MovBoxes.h"
 #include "tests/support/TemporaryFolder.h"
@@ -191,6 +192,14 @@ TEST_F(FrameFetcherTest, KeepsThePicturesOnTheWayForWhoStepsBack) {
     static_cast<void>(fetch(60));
     static_cast<void>(fetch(59));
     EXPECT_EQ(during([this] { EXPECT_EQ(fetch(58), 58); }).packetsRead, 0U);
+}
+
+TEST_F(FrameFetcherTest, CountsItsDecodesAmongThoseOfTheProcess) {
+    open(medium("h264-one-long-gop.mp4"));
+    std::uint64_t const before = playFileCounters().framesDecoded;
+    std::uint64_t const decoded = during([this] { EXPECT_EQ(fetch(10), 10); }).framesDecoded;
+    EXPECT_GT(decoded, 0U);
+    EXPECT_EQ(playFileCounters().framesDecoded, before + decoded);
 }
 
 TEST_F(FrameFetcherTest, FailsADamagedFrameAndShiftsNoOther) {

@@ -75,6 +75,17 @@ TEST_F(ShowCommand, CountsWhatTheCacheAndTheQueuesDid) {
     EXPECT_FALSE(statistics["times"].empty());
 }
 
+TEST_F(ShowCommand, CountsBatchesDecodesAndFilesOpenedAhead) {
+    Ended const ended = show(makeH264Clip());
+    json const statistics = report()["statistics"];
+    EXPECT_GT(statistics["decoding"]["batches"], 0);
+    EXPECT_GT(statistics["decoding"]["framesDecoded"], 0);
+    EXPECT_GT(statistics["decoding"]["framesFromHeldBatches"], 0);
+    EXPECT_EQ(statistics["decoding"]["doubleDecodes"], 0);
+    EXPECT_EQ(statistics["preOpens"], (json{{"queued", 0}, {"opened", 0}, {"failed", 0}}));
+    EXPECT_NE(ended.output.find("framesFromHeldBatches: "), std::string::npos) << ended.output;
+}
+
 TEST_F(ShowCommand, ShowsASinglePicture) {
     EXPECT_EQ(show(makeClip("one.png", {"-frames:v", "1"})).exitCode, 0);
     EXPECT_EQ(sheetSize(), "272x226");
