@@ -83,7 +83,7 @@ TEST_F(ShowCommand, CountsBatchesDecodesAndFilesOpenedAhead) {
     EXPECT_GT(statistics["decoding"]["framesFromHeldBatches"], 0);
     EXPECT_EQ(statistics["decoding"]["doubleDecodes"], 0);
     EXPECT_EQ(statistics["preOpens"], (json{{"queued", 0}, {"opened", 0}, {"failed", 0}}));
-    EXPECT_NE(ended.output.find("framesFromHeldBatches: "), std::string::npos) << ended.output;
+    EXPECT_NE(ended.out.find("framesFromHeldBatches: "), std::string::npos) << ended.out;
 }
 
 TEST_F(ShowCommand, ShowsASinglePicture) {
