@@ -5,6 +5,7 @@ option(PLAYFILE_BUILD_PROGRAMS "Build the command and the examples" ON)
 option(PLAYFILE_BUILD_BENCHES "Build the benches, with the other programs" ON)
 option(PLAYFILE_DEBUG_LOCKS "Give every lock a rank and assert the order" OFF)
 option(PLAYFILE_THREAD_SAFETY "Clang's thread-safety analysis, findings are errors" OFF)
+option(PLAYFILE_FUZZ "Build targets that look for inputs by themselves; for Clang" OFF)
 set(PLAYFILE_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
 
 set(CMAKE_CXX_STANDARD 20)
@@ -59,7 +60,8 @@ if(PLAYFILE_SANITIZE)
     target_compile_definitions(playfile_options INTERFACE PLAYFILE_SANITIZED=1)
     # The sanitizers' own code makes g++ see uninitialised values where there are none.
     target_compile_options(playfile_options INTERFACE
-        "-fsanitize=${PLAYFILE_SANITIZE}" -fno-sanitize-recover=all -Wno-maybe-uninitialized)
+        "-fsanitize=${PLAYFILE_SANITIZE}" -fno-sanitize-recover=all
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     target_link_options(playfile_options INTERFACE "-fsanitize=${PLAYFILE_SANITIZE}")
 else()
     target_link_options(playfile_options INTERFACE
