@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 #include "toolkit/sound/AudioMetadata.h"
 
@@ -42,9 +41,5 @@ private:
     std::uint64_t dataOffset_ = 0;
     int descriptor_ = -1;
 };
-
-/// The bytes in front of the samples. Sizes above 4 GiB make it RF64.
-[[nodiscard]] std::vector<std::uint8_t> makeWavHeader(Aud::Metadata const& format, std::uint32_t channels,
-                                                      std::uint64_t samples);
 
 }  // namespace cli

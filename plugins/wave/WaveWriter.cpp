@@ -1,0 +1,165 @@
+/// Writing samples, and stating their length often enough.
+///
+/// The header has the same size from the first byte on, with room for the sizes of a long file. Samples are
+/// written behind those that are there, and only then does the header count them, so that a process that dies
+/// in between leaves a file that is whole up to what its header says.
+#include "plugins/wave/WaveWriter.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "ole/os/OS.h"
+#include "plugins/wave/BroadcastChunk.h"
+#include "toolkit/services/Log.h"
+#include "toolkit/services/Paths.h"
+#include "toolkit/services/ResourceText.h"
+#include "toolkit/sound/SampleFormat.h"
+
+namespace playfile_wave {
+namespace {
+
+constexpr std::uint64_t headersPerSecond = 4;
+constexpr std::uint64_t waitingPerSecond = 2;
+constexpr std::uint64_t fewestBytes = 4096;
+/// Most that is written before the header may have to count it.
+constexpr std::uint64_t mostBytesAtOnce = 1 << 20;
+constexpr std::uint32_t mostChannels = 0xFFFF;
+
+OxResult lastError() {
+    OxResult const error = OS()->getErrors().getLastError();
+    return error == 0 ? oxFailure : error;
+}
+
+OxResult refuse(LightweightString<wchar_t> const& name, char const* reason, OxResult result) {
+    LogBoth("Wave: \"%ls\" can't be written: %s\n", name.c_str(), reason);
+    return result;
+}
+
+std::uint64_t bytesPerSecond(Aud::WaveLayout const& layout) {
+    return static_cast<std::uint64_t>(layout.format.sampleRate) * layout.bytesPerFrame();
+}
+
+/// False if a file of the family can't hold such samples.
+bool makeLayout(Ox::FileWriterParams const& params, Aud::WaveLayout& layout) {
+    if (params.audioMetadata.size() != 1) {
+        return false;
+    }
+    layout.format = params.audioMetadata.front();
+    layout.channels = layout.format.channels;
+    layout.format.bytesPerSample = Aud::bytesPerSampleOf(layout.format.sampleFormat);
+    layout.reservesLongSizes = true;
+    if (params.format.view() == "bwf") {
+        layout.chunks = makeBroadcastChunk(params.options);
+    }
+    return layout.channels >= 1 && layout.channels <= mostChannels && layout.format.bytesPerSample != 0 &&
+           layout.format.sampleRate >= 1.0 && layout.format.sampleRate <= UINT32_MAX;
+}
+
+}  // namespace
+
+OxResult WaveWriter::open(LightweightString<wchar_t> const& name, Ox::FileWriterParams const& params,
+                          Ox::Ptr<FileWriteInstance>& file) {
+    Aud::WaveLayout layout;
+    if (!makeLayout(params, layout)) {
+        return refuse(name, "it holds one stream of 1 to 65535 channels of uncompressed sound", oxFailure);
+    }
+    iFileManager& files = OS()->getFileManager();
+    static_cast<void>(files.createDirectory(getPath(name)));
+    Ox::Ptr<iFile> const opened =
+        files.openFile(name, iFile::readAccess | iFile::writeAccess, iFile::createAlways, iFile::shared);
+    if (!opened) {
+        return refuse(name, toUTF8(OS()->getErrors().getLastErrorText()).c_str(), lastError());
+    }
+    auto const writer = Ox::makePtr<WaveWriter>(name, std::move(layout), opened);
+    if (!writer->writeHeader()) {
+        return refuse(name, toUTF8(OS()->getErrors().getLastErrorText()).c_str(), lastError());
+    }
+    file = writer;
+    return oxSuccess;
+}
+
+WaveWriter::WaveWriter(LightweightString<wchar_t> const& name, Aud::WaveLayout layout, Ox::Ptr<iFile> file)
+    : FileWriteInstance(name),
+      layout_(std::move(layout)),
+      file_(std::move(file)),
+      dataOffset_(layout_.header(0).size()),
+      bytesBetweenHeaders_(std::max(bytesPerSecond(layout_) / headersPerSecond, fewestBytes)),
+      spool_(std::make_unique<SampleSpool>(std::max(bytesPerSecond(layout_) / waitingPerSecond, fewestBytes),
+                                           [this](iMemHolder const& buffer) { return append(buffer); })) {
+    metadata->audioStreams = {layout_.format};
+    metadata->audioInfoCount = 1;
+}
+
+WaveWriter::~WaveWriter() {
+    spool_ = nullptr;
+    if (statedBytes_ != dataBytes_ && !stateLength()) {
+        reportWriteError(lastError());
+    }
+}
+
+LightweightString<char> WaveWriter::getDescription() const {
+    return "WAVE";
+}
+
+std::uint32_t WaveWriter::writeAudioSamples(Ox::Ptr<iMemHolder>& data, Callback callback) {
+    SampleSpool::Told told;
+    if (callback != nullptr) {
+        told = [callback](bool isWritten) { callback(isWritten ? requestComplete : requestFailed); };
+    }
+    return spool_->put(data, std::move(told));
+}
+
+void WaveWriter::reportWriteError(std::uint32_t status) {
+    refuse(filename, resourceStr(status).c_str(), status);
+}
+
+std::uint32_t WaveWriter::writeFrameData(Ox::Image::Surface const&) {
+    return oxFailure;
+}
+
+OxResult WaveWriter::append(iMemHolder const& buffer) {
+    auto const* bytes = static_cast<std::uint8_t const*>(buffer.getBuffer());
+    std::uint64_t left = buffer.getUsed();
+    while (left != 0) {
+        std::uint64_t const part = std::min({left, bytesBetweenHeaders_, mostBytesAtOnce});
+        if (!writeAt(dataOffset_ + dataBytes_, bytes, part)) {
+            OxResult const error = lastError();
+            reportWriteError(error);
+            return error;
+        }
+        dataBytes_ += part;
+        bytes += part;
+        left -= part;
+        if (dataBytes_ - statedBytes_ >= bytesBetweenHeaders_ && !stateLength()) {
+            OxResult const error = lastError();
+            reportWriteError(error);
+            return error;
+        }
+    }
+    return oxSuccess;
+}
+
+bool WaveWriter::writeAt(std::uint64_t offset, void const* bytes, std::uint64_t byteCount) {
+    return file_->setPosition(offset) &&
+           file_->write(bytes, static_cast<std::uint32_t>(byteCount)) == byteCount;
+}
+
+/// A chunk of odd length has a byte behind it, which the next samples take the place of.
+bool WaveWriter::stateLength() {
+    std::uint8_t const nothing = 0;
+    if (dataBytes_ % 2 != 0 && !writeAt(dataOffset_ + dataBytes_, &nothing, 1)) {
+        return false;
+    }
+    return writeHeader();
+}
+
+bool WaveWriter::writeHeader() {
+    std::vector<std::uint8_t> const header = layout_.header(dataBytes_);
+    if (!writeAt(0, header.data(), header.size())) {
+        return false;
+    }
+    statedBytes_ = dataBytes_;
+    return true;
+}
+
+}  // namespace playfile_wave
