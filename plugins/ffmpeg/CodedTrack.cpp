@@ -31,12 +31,21 @@ bool CodedTrack::goesOnAt(int64_t first) {
         return false;
     }
     uint32_t const wanted = index_.packetWith(runs_.front().decoded, nextWanted());
-    return canGoOnTo(runs_.front(), leadIn_.startFor(wanted, index_));
+    return canGoOnTo(runs_.front(), leadOf(runs_.front(), wanted));
 }
 
 bool CodedTrack::canGoOnTo(SampleRun const& run, uint32_t lead) const {
     uint32_t const given = given_;
     return given != nothing && run.decoded >= heldFrom_ && lead <= given;
+}
+
+/// The packet to begin with for a run whose first sample lies in packet `wanted`.
+uint32_t CodedTrack::leadOf(SampleRun const& run, uint32_t wanted) const {
+    return leadIn_.startFor(wanted, index_, offsetIn(wanted, run));
+}
+
+uint32_t CodedTrack::offsetIn(uint32_t packet, SampleRun const& run) const {
+    return static_cast<uint32_t>(std::max<int64_t>(run.decoded - index_.packet(packet).firstSample, 0));
 }
 
 /// The packet that a read in order begins with, or the one before.
@@ -72,7 +81,7 @@ void CodedTrack::bundle(int64_t first, int64_t end, std::vector<uint8_t>& bytes)
     }
     uint32_t const wanted = index_.packetWith(runs_.front().decoded, nextWanted());
     uint32_t const endPacket = endPacketFor(runs_.back(), wanted);
-    uint32_t const lead = first == 0 ? 0 : leadIn_.startFor(wanted, index_);
+    uint32_t const lead = first == 0 ? 0 : leadOf(runs_.front(), wanted);
     bool const startsAnew = first == 0 || !canGoOnTo(runs_.front(), lead);
     uint32_t const from = startsAnew ? lead : given_.load();
     for (uint32_t number = from; number < endPacket; ++number) {
@@ -89,10 +98,10 @@ void CodedTrack::bundle(int64_t first, int64_t end, std::vector<uint8_t>& bytes)
     writer.finish(startsAnew, endPacket == index_.packetCount(), heldFrom_);
 }
 
-/// What the packets before the wanted one give after a start isn't right yet.
+/// What comes before the wanted sample after a start isn't right yet.
 void CodedTrack::hold(bool startsAnew, uint32_t wanted, SampleRun const& first) {
     if (startsAnew) {
-        heldFrom_ = index_.packet(wanted).firstSample;
+        heldFrom_ = index_.packet(wanted).firstSample + leadIn_.rightFrom(offsetIn(wanted, first));
     }
     heldFrom_ = std::max(heldFrom_, first.decoded - heldSamples);
 }

@@ -52,6 +52,8 @@ private:
     static constexpr uint32_t nothing = UINT32_MAX;
 
     bool canGoOnTo(SampleRun const& run, uint32_t lead) const;
+    uint32_t leadOf(SampleRun const& run, uint32_t wanted) const;
+    uint32_t offsetIn(uint32_t packet, SampleRun const& run) const;
     void hold(bool startsAnew, uint32_t wanted, SampleRun const& first);
     uint32_t endPacketFor(SampleRun const& last, uint32_t wanted) const;
     uint32_t nextWanted() const;

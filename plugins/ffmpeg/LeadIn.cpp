@@ -24,6 +24,10 @@ constexpr uint32_t reservoirOfMpeg2 = 255;
 constexpr uint32_t sideOfMpeg1 = 4 + 2 + 32;
 constexpr uint32_t sideOfMpeg2 = 4 + 2 + 17;
 constexpr uint32_t samplesOfMpeg1 = 1152;
+/// Its packets have two granules. The second one overlaps with the first, and not with the packet before; and
+/// the filter that joins the bands looks back by so many samples.
+constexpr uint32_t samplesOfGranule = 576;
+constexpr uint32_t samplesOfFilter = 480;
 constexpr uint32_t mostReservoirPackets = 256;
 
 bool isPlainAac(int profile, uint32_t packetSamples) {
@@ -87,10 +91,11 @@ void LeadIn::settleReservoir(uint32_t packetSamples) {
     bool const isMpeg1 = packetSamples == samplesOfMpeg1;
     reservoirByteCount_ = isMpeg1 ? reservoirOfMpeg1 : reservoirOfMpeg2;
     sideByteCount_ = isMpeg1 ? sideOfMpeg1 : sideOfMpeg2;
+    ownFrom_ = isMpeg1 ? samplesOfGranule + samplesOfFilter : nowhere;
 }
 
-uint32_t LeadIn::startFor(uint32_t number, SoundIndex const& index) const {
-    uint32_t start = number - std::min(number, packets_);
+uint32_t LeadIn::startFor(uint32_t number, SoundIndex const& index, uint32_t offset) const {
+    uint32_t start = offset < ownFrom_ ? number - std::min(number, packets_) : number;
     if (samples_ > 0 && number > 0) {
         int64_t const before = index.packet(number).firstSample - samples_;
         start = std::min(start, index.packetWith(std::max<int64_t>(before, 0)));

@@ -14,27 +14,40 @@ constexpr uint32_t packetSamples = 100;
 constexpr uint32_t packetCount = 200;
 constexpr int64_t priming = 150;
 
+/// Such packets fill the reservoir of the next one.
+constexpr uint32_t mp3PacketSamples = 1152;
+constexpr uint32_t mp3PacketBytes = 576;
+/// As encoders have it: a frame that is counted from the first heard sample begins close to a packet's end.
+constexpr int64_t mp3Priming = 1105;
+
 /// A stream of 200 packets of 100 samples and one byte each, the first 150 samples of it priming. Its
 /// codec wants one packet before each start.
 class SoundCodedTrack : public ::testing::Test {
 protected:
     SoundCodedTrack() {
         std::string error;
-        folder_.write("packets", std::string(packetCount, 'x'));
+        folder_.write("packets", std::string(size_t{packetCount} * mp3PacketBytes, 'x'));
         EXPECT_TRUE(file_->open(folder_.file("packets"), error)) << error;
         track_ = make(AV_CODEC_ID_MP2);
     }
     [[nodiscard]] std::unique_ptr<CodedTrack> make(AVCodecID codec) const {
+        return make(codec, packetSamples, 1, priming);
+    }
+    [[nodiscard]] std::unique_ptr<CodedTrack> makeMp3() const {
+        return make(AV_CODEC_ID_MP3, mp3PacketSamples, mp3PacketBytes, mp3Priming);
+    }
+    [[nodiscard]] std::unique_ptr<CodedTrack> make(AVCodecID codec, uint32_t sampleCount, uint32_t byteCount,
+                                                   int64_t primed) const {
         std::vector<SoundPacket> packets(packetCount);
         for (uint32_t number = 0; number < packetCount; ++number) {
-            packets[number].position = number;
-            packets[number].byteCount = 1;
-            packets[number].sampleCount = packetSamples;
+            packets[number].position = int64_t{number} * byteCount;
+            packets[number].byteCount = byteCount;
+            packets[number].sampleCount = sampleCount;
         }
         KeptSamples kept;
-        kept.append(priming, int64_t{packetCount} * packetSamples - priming);
+        kept.append(primed, int64_t{packetCount} * sampleCount - primed);
         LeadIn leadIn(codec);
-        leadIn.settle(FF_PROFILE_UNKNOWN, 1000, packetSamples);
+        leadIn.settle(FF_PROFILE_UNKNOWN, 1000, sampleCount);
         auto track = std::make_unique<CodedTrack>(SoundIndex(std::move(packets), {}, kept), leadIn, codec);
         track->readFrom(file_);
         return track;
@@ -49,7 +62,7 @@ protected:
     std::vector<int64_t> packetsFor(int64_t first, int64_t end) {
         std::vector<int64_t> numbers;
         for (Bundle::Packet const& packet : bundle(first, end).packets) {
-            numbers.push_back(packet.firstSample / packetSamples);
+            numbers.push_back(packet.firstSample / packet.sampleCount);
         }
         return numbers;
     }
@@ -145,6 +158,19 @@ TEST_F(SoundCodedTrack, TellsThatItGoesOnWithoutBringingAnything) {
 TEST_F(SoundCodedTrack, BringsOnePacketMoreForADecoderThatHoldsBackSamples) {
     track_ = make(AV_CODEC_ID_OPUS);
     EXPECT_EQ(packetsFor(0, 100), (Numbers{0, 1, 2, 3}));
+}
+
+TEST_F(SoundCodedTrack, BringsNoPacketForTheOverlapOfMpegLayer3WhereThereIsNone) {
+    track_ = makeMp3();
+    EXPECT_EQ(packetsFor(50 * 1152, 51 * 1152), (Numbers{49, 50, 51}));
+    EXPECT_EQ(packetsFor(90 * 1152 - 50, 91 * 1152), (Numbers{88, 89, 90, 91}));
+}
+
+TEST_F(SoundCodedTrack, DoesNotTrustThePartOfAPacketThatLacksItsOverlap) {
+    track_ = makeMp3();
+    static_cast<void>(bundle(50 * 1152, 51 * 1152));
+    EXPECT_FALSE(bundle(50 * 1152 - 49, 51 * 1152).startsAnew);
+    EXPECT_TRUE(bundle(50 * 1152 - 50, 51 * 1152).startsAnew);
 }
 
 TEST_F(SoundCodedTrack, LeavesAPacketEmptyThatTheFileDoesNotHold) {

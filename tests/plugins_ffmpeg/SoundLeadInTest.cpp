@@ -68,6 +68,24 @@ TEST(LeadIn, LooksForTheReservoirNoFurtherThanItMay) {
     EXPECT_EQ(settled(AV_CODEC_ID_MP3, 1152).startFor(900, packets(1000, 1152, 0)), 899U - 256U);
 }
 
+TEST(LeadIn, IsTheReservoirAloneForTheLastSamplesOfMpegLayer3) {
+    LeadIn const leadIn = settled(AV_CODEC_ID_MP3, 1152);
+    EXPECT_EQ(leadIn.startFor(50, packets(100, 1152, 576), 1055), 48U);
+    EXPECT_EQ(leadIn.startFor(50, packets(100, 1152, 576), 1056), 49U);
+}
+
+TEST(LeadIn, SaysFromWhichSampleOnItIsEnough) {
+    LeadIn const leadIn = settled(AV_CODEC_ID_MP3, 1152);
+    EXPECT_EQ(leadIn.rightFrom(1055), 0U);
+    EXPECT_EQ(leadIn.rightFrom(1100), 1056U);
+}
+
+TEST(LeadIn, IsTheSameForAllSamplesWherePacketsHaveOneGranule) {
+    LeadIn const leadIn = settled(AV_CODEC_ID_MP3, 576);
+    EXPECT_EQ(leadIn.startFor(50, packets(100, 576, 300), 575), 48U);
+    EXPECT_EQ(leadIn.rightFrom(575), 0U);
+}
+
 TEST(LeadIn, IsHalfASecondOfOpus) {
     EXPECT_EQ(settled(AV_CODEC_ID_OPUS, 960).startFor(50, packets(100, 960, 200)), 25U);
 }
