@@ -89,6 +89,19 @@ TEST_F(WaveReaderTest, ReadsOneBlockForAllChannels) {
               (std::vector<WatchedFiles::Read>{{dataOffset + 100 * shape.blockAlign(), 200 * 12U}}));
 }
 
+TEST_F(WaveReaderTest, ReadsOneBlockForEightChannels) {
+    Shape const wide{8, Aud::sampleS24};
+    WatchedFiles files;
+    openGood(wave::plainFile(wide, sampleTotal));
+    files.forgetReads();
+    for (std::uint32_t const channel : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U}) {
+        EXPECT_EQ(readChannel(channel, 300, 200), wave::channel(wide, channel, 300, 200));
+        EXPECT_EQ(status, requestComplete);
+    }
+    EXPECT_EQ(files.reads(),
+              (std::vector<WatchedFiles::Read>{{dataOffset + 300 * wide.blockAlign(), 200 * 24U}}));
+}
+
 TEST_F(WaveReaderTest, AsksForNothingBehindTheEnd) {
     WatchedFiles files;
     openPlain();
