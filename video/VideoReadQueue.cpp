@@ -51,6 +51,7 @@ bool isFinished(RequestStatus status) {
 }  // namespace
 
 VideoReadQueue::VideoReadQueue() {
+    atRest = [this] { releaseForgottenFile(); };
     init(workerCount, iThread::normal, anyProcessor, workerStackBytes, Shutdown::queueOrder,
          static_cast<std::uint32_t>(getReadPollDelay()));
     lock_ = queue->sharedLock();
@@ -167,6 +168,25 @@ void VideoReadQueue::limitUsage() {
         }
     }
     active_.erase(kept, active_.end());
+}
+
+/// As long as the counts say so, nobody else holds the file or one of its requests, so nobody can make the counts
+/// rise. What goes is released outside the lock, and with the file the queue goes back into its pool.
+void VideoReadQueue::releaseForgottenFile() {
+    std::vector<TakenUp> forgotten;
+    ScopedLock const scope(lock());
+    if (active_.empty() || !queue || !queue->requests().empty()) {
+        return;
+    }
+    Ptr<FileReadInstance> const& file = active_.front().request->file;
+    auto const holdsTheFileAlone = [&file](TakenUp const& taken) {
+        VideoReadRequest const& request = *taken.request;
+        return request.file == file && taken.request.useCount() == 1 &&
+               isFinished(request.getRequestStatus());
+    };
+    if (file.useCount() == active_.size() && std::all_of(active_.begin(), active_.end(), holdsTheFileAlone)) {
+        forgotten.swap(active_);
+    }
 }
 
 std::size_t VideoReadQueue::getActiveCount() {

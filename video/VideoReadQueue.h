@@ -17,7 +17,8 @@ namespace Ox {
 /// Ownership  The pool owns idle queues; a file borrows one from its first video read until its
 ///            destructor. A caller cancels by dropping its pointer: a waiting request that only the
 ///            queue still holds is discarded, unread, untold. A finished one that a caller keeps goes
-///            on matching; one that nobody holds goes at the next `limitUsage`.
+///            on matching; one that nobody holds goes at the next `limitUsage`, or when the worker rests and
+///            finds that nobody holds the file either.
 /// Threads    queueReadRequest, purge, limitUsage: any thread. despatch: the worker only. No lock is
 ///            held while a frame is read.
 /// Lock order The file's lock, the pool's lock (first read only), the queue's lock, `IssuersT`'s lock.
@@ -50,6 +51,10 @@ public:
 
     /// Lets go of the finished requests that nobody else holds.
     void limitUsage();
+
+    /// Lets go of everything if the file is held by nothing but finished requests that nobody else holds:
+    /// file, queue and requests hold each other then, and nobody can come by a request for it any more.
+    void releaseForgottenFile();
 
     /// How many requests were taken up and are still kept.
     [[nodiscard]] std::size_t getActiveCount();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <deque>
 #include <vector>
 
@@ -142,10 +143,15 @@ private:
 
     void work() {
         std::vector<ThreadEventPtr> const events{wakeEvent_, stopEvent_};
+        bool hasWorked = false;
         while (isRunning()) {
             OS()->getThreads().waitForAny(events, waitMs_);
             while (isRunning() && hasRequests()) {
                 despatchFirst();
+                hasWorked = true;
+            }
+            if (isRunning() && hasWorked && decoupler_->atRest) {
+                decoupler_->atRest();
             }
         }
         while (hasRequests()) {
@@ -243,6 +249,9 @@ protected:
     Ox::ExternalPtr<DecouplingQueue> queue;
     LightweightString<char> name;
     Shutdown::CallbackPtr shutdownCallback;
+    /// Called on a worker that has served a request, each time it looks and finds nothing to do. Empty, or
+    /// set before `init`.
+    std::function<void()> atRest;
 
 private:
     friend class DecouplingQueue<T>;

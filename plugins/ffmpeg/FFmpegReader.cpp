@@ -50,6 +50,10 @@ FFmpegReader::~FFmpegReader() {
     endStreamDecode();
 }
 
+std::uint32_t FFmpegReader::frameCount() const {
+    return frameRateMap_ ? frameRateMap_->timelineCount() : decoder_->file().frameCount();
+}
+
 /// A file of one frame shows that one whatever the number.
 std::uint32_t FFmpegReader::storedFrame(std::uint32_t frame) const {
     if (decoder_->file().frameCount() == 1) {

@@ -62,6 +62,8 @@ public:
     ~FFmpegReader() override;
 
 private:
+    /// Frames as they are counted: stored ones, or those of the time line.
+    [[nodiscard]] std::uint32_t frameCount() const;
     /// The frame of the file that is shown at frame `frame`.
     [[nodiscard]] std::uint32_t storedFrame(std::uint32_t frame) const;
     unsigned int answer(Ox::Ptr<FrameBufferRep>& buffer, VideoReadRequest const& request, PicturePtr picture);

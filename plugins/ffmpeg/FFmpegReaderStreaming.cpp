@@ -57,7 +57,7 @@ std::vector<std::uint32_t> framesInTurn(FrameBufferRep const& batch, std::uint32
 
 unsigned int FFmpegReader::readVideoStreaming(Ox::Ptr<FrameBufferRep>& buffer,
                                               Ox::Ptr<VideoReadRequest>& request) {
-    if (request->frame >= metadata->videoSampleCount) {
+    if (request->frame >= frameCount()) {
         return readVideoDirect(buffer, request);
     }
     pattern_.note(request->frame);
@@ -90,7 +90,7 @@ unsigned int FFmpegReader::convert(Ox::Ptr<FrameBufferRep>& buffer, VideoReadReq
 }
 
 void FFmpegReader::getDecodeRange(unsigned int frame, unsigned int& start, unsigned int& end) {
-    FrameRun run = pattern_.run(decoder_->room(), metadata->videoSampleCount);
+    FrameRun run = pattern_.run(decoder_->room(), frameCount());
     std::uint32_t first = frame;
     while (first > run.first && decoder_->comesWith(storedFrame(first - 1), storedFrame(frame))) {
         --first;

@@ -21,7 +21,7 @@ constexpr std::int64_t nearFrames = 16;
 /// Frames to each side that are kept for whoever looks about.
 constexpr std::int64_t mostFramesAround = 48;
 /// Of the pictures kept for who goes backward, this part lies behind, for a turn; at most so many.
-constexpr std::int64_t turnPart = 4;
+constexpr std::int64_t turnPart = 12;
 constexpr std::int64_t mostTurnFrames = 8;
 /// Who has gone onward by so many steps isn't looking about.
 constexpr std::uint32_t stepsOfAPlay = 8;

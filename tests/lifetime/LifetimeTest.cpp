@@ -130,8 +130,8 @@ TEST(StreamLifetime, TheEndOfItsFileWaitsForTheDecoder) {
     EXPECT_EQ(run("stream_ends", {"dropped"}), "status 2\ndecoded\nfile gone\n");
 }
 
-TEST(StreamLifetime, LibraryMayExitMeanwhile) {
-    EXPECT_EQ(run("stream_ends", {"closed"}), "status 2\ndecoded\n");
+TEST(StreamLifetime, AFileThatNobodyWantsAnyMoreGoesAfterTheExitOfTheLibrary) {
+    EXPECT_EQ(run("stream_ends", {"closed"}), "status 2\ndecoded\nfile gone\n");
 }
 
 TEST(StreamLifetime, ExitFromTheDecoderEndsTheProcess) {

@@ -68,6 +68,45 @@ TEST_F(VideoReadQueueTest, NeitherReadsNorTellsWhenTheCallerDropsItsPointerWhile
     EXPECT_EQ(first.callCount(), 0U);
 }
 
+/// A file of which the test holds nothing.
+class ForgottenFile : public QueueFixture {
+protected:
+    /// A finished read of it.
+    RequestPtr readOne(std::uint32_t frame) {
+        RecordingIssuer own;
+        RequestPtr request = ask(frame, {.issuer = &own, .file = forgotten_});
+        EXPECT_TRUE(own.waitForCalls(1));
+        EXPECT_TRUE(threads.waitUntilIdle(forgottenScript_->readBy));
+        return request;
+    }
+
+    FileScriptPtr const forgottenScript_ = std::make_shared<FileScript>(calls);
+    Ox::Ptr<FileReadInstance> forgotten_ = makeVideoFile(forgottenScript_);
+};
+
+TEST_F(ForgottenFile, GoesWithItsFinishedRequestsWhenTheWorkerRests) {
+    readOne(5);
+    readOne(6);
+    forgotten_ = nullptr;
+    EXPECT_TRUE(forgottenScript_->destroyGate.waitForArrivals(1));
+    EXPECT_EQ(queue.getActiveCount(), 0U);
+}
+
+TEST_F(ForgottenFile, StaysWhileSomebodyHoldsARequestOfIt) {
+    RequestPtr const held = readOne(5);
+    readOne(6);
+    forgotten_ = nullptr;
+    ASSERT_TRUE(threads.waitUntilIdle(forgottenScript_->readBy));
+    EXPECT_EQ(forgottenScript_->destroyedCount, 0U);
+    EXPECT_EQ(queue.getActiveCount(), 2U);
+}
+
+TEST_F(ForgottenFile, KeepsItsUnusedRequestsWhileSomebodyHoldsTheFile) {
+    readOne(5);
+    ASSERT_TRUE(threads.waitUntilIdle(forgottenScript_->readBy));
+    EXPECT_EQ(queue.getActiveCount(), 1U);
+}
+
 TEST_F(VideoReadQueueTest, KeepsNoDroppedRequest) {
     occupyWorker();
     ask(5, {.issuer = &first});

@@ -65,10 +65,13 @@ void returnWithDroppedRequests() {
     openGateAtShutdown();
 }
 
-/// One worker ends the process; another one, if there is one, waits inside its open.
+/// One worker ends the process when nobody asks for files any more; another one, if there is one, waits inside
+/// its open.
 void exitFromInsideAnOpen() {
+    static Gate hasAsked(false);
     onOpen = [] {
         static std::atomic_flag isEnding;
+        hasAsked.pass();
         if (!isEnding.test_and_set()) {
             std::exit(0);
         }
@@ -76,6 +79,7 @@ void exitFromInsideAnOpen() {
     };
     static std::vector<Ahead> held;
     held = openAhead();
+    hasAsked.open();
     Gate never(false);
     never.pass();
 }

@@ -12,6 +12,7 @@
 namespace {
 
 Gate gate{false};
+Gate fileGone{false};
 std::function<void()> onDecode = [] { gate.pass(); };
 
 /// A file of runs of four frames of one pixel, that takes its time.
@@ -26,6 +27,7 @@ public:
     ~Stream() override {
         endStreamDecode();
         tiny::say("file gone");
+        fileGone.open();
     }
     LightweightString<char> getDescription() const override { return "stream"; }
     unsigned int decodeFrames(Ox::Ptr<FrameBufferRep>& batch, unsigned int) override {
@@ -79,10 +81,13 @@ void dropFile() {
     gate.open();
 }
 
+/// Nobody but the finished request and its queue hold the file in the end, and each other.
 void exitTheLibraryMeanwhile() {
-    tiny::RequestPtr const held = decodeBehindTheGate();
+    tiny::RequestPtr held = decodeBehindTheGate();
     playfile_exit();
     gate.open();
+    held = nullptr;
+    fileGone.pass();
 }
 
 void exitFromTheDecoder() {
