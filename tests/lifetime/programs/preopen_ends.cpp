@@ -15,7 +15,8 @@ namespace {
 using Ahead = Ox::Ptr<Ox::PreOpenRequest>;
 
 std::atomic<int> filesOpened{0};
-Gate gate{false};
+/// Workers may wait at it while the process ends, so it is never destroyed.
+Gate& gate = *new Gate(false);
 std::function<void()> onOpen = [] { gate.pass(); };
 
 /// Says, as a static object of the program, what was opened before it went.
@@ -68,7 +69,7 @@ void returnWithDroppedRequests() {
 /// One worker ends the process when nobody asks for files any more; another one, if there is one, waits inside
 /// its open.
 void exitFromInsideAnOpen() {
-    static Gate hasAsked(false);
+    static Gate& hasAsked = *new Gate(false);
     onOpen = [] {
         static std::atomic_flag isEnding;
         hasAsked.pass();
