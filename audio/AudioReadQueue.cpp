@@ -1,5 +1,6 @@
 #include "audio/AudioReadQueue.h"
 
+#include "ole/os/Immortal.h"
 #include "ole/os/OS.h"
 #include "playfile/Counters.h"
 #include "toolkit/services/Log.h"
@@ -7,6 +8,11 @@
 
 namespace Ox {
 namespace {
+
+/// Its times, which workers note until the process is gone.
+struct AudioTask {
+    Ox::Ptr<TimedTaskBase> const task = TimedTaskManager::createTimedTask("Audio");
+};
 
 constexpr char const* threadName = "AudioReadQueue";
 
@@ -81,7 +87,7 @@ bool AudioReadQueue::accept(Ptr<AudioReadRequest> const& request) {
 
 void AudioReadQueue::despatchItemFromQueue() {
     Ptr<AudioReadRequest> request = takeFirst();
-    static Ptr<TimedTaskBase> const task = TimedTaskManager::createTimedTask("Audio");
+    Ptr<TimedTaskBase> const& task = immortal<AudioTask>().task;
     TimedSection const section(task, "read");
     if (!request) {
         return;

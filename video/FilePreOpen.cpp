@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "files/PlayFileCache.h"
+#include "ole/os/Immortal.h"
 #include "ole/os/OS.h"
 #include "playfile/Counters.h"
 #include "playfile/Settings.h"
@@ -11,6 +12,11 @@
 
 namespace Ox {
 namespace {
+
+/// Its times, which workers note until the process is gone.
+struct PreopenTask {
+    Ox::Ptr<TimedTaskBase> const task = TimedTaskManager::createTimedTask("Preopen");
+};
 
 constexpr unsigned anyProcessor = static_cast<unsigned>(-1);
 constexpr unsigned usualStack = 0;
@@ -90,7 +96,7 @@ FilePreOpen::~FilePreOpen() {
 }
 
 void FilePreOpen::despatch(Ptr<PreOpenRequest>& request) {
-    static Ptr<TimedTaskBase> const task = TimedTaskManager::createTimedTask("Preopen");
+    Ptr<TimedTaskBase> const& task = immortal<PreopenTask>().task;
     TimedSection const section(task, "open");
     TraceSlice slice(traceCategory, "pre-open");
     Ptr<FileReadInstance> const file = PlayFileCache::Shared()->open(

@@ -1,10 +1,20 @@
 /// The part of an open file that has to do with its video queue.
 #include "files/FileReadInstance.h"
+#include "ole/os/Immortal.h"
 #include "playfile/Counters.h"
 #include "toolkit/services/TimedTask.h"
 #include "video/QueuePools.h"
 #include "video/VideoReadQueue.h"
 #include "video/VideoReadRequest.h"
+
+namespace {
+
+/// Its times, which workers note until the process is gone.
+struct VideoTask {
+    Ox::Ptr<TimedTaskBase> const task = TimedTaskManager::createTimedTask("Video");
+};
+
+}  // namespace
 
 /// The lock is held across the forwarding, so that requests of one file enter its queue one by one.
 unsigned int FileReadInstance::queueReadRequest(Ox::Ptr<VideoReadRequest>& request) {
@@ -29,7 +39,7 @@ void FileReadInstance::limitUsage() {
 }
 
 void FileReadInstance::readVideo(Ox::Ptr<VideoReadRequest>& request) {
-    static Ox::Ptr<TimedTaskBase> const task = TimedTaskManager::createTimedTask("Video");
+    Ox::Ptr<TimedTaskBase> const& task = immortal<VideoTask>().task;
     TimedSection const section(task, "read");
     TraceSlice slice(VideoReadRequest::traceCategory, "read", request->number);
     slice.with("frame", request->frame).of(filename);

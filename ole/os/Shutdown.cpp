@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "ole/os/HeldLocks.h"
 #include "ole/os/Immortal.h"
 
 namespace {
@@ -72,6 +73,7 @@ void execute(Shutdown::CallbackPtr const& callback, Shutdown::eExitType exitType
 }
 
 void runAtExit() {
+    forgetHeldLocks();
     Shutdown::run(Shutdown::normalExit);
 }
 
