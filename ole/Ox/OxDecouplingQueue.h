@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
-#include <functional>
 #include <deque>
+#include <functional>
 #include <vector>
 
 #include "ole/Ox/OxClassName.h"
@@ -150,12 +150,21 @@ private:
                 despatchFirst();
                 hasWorked = true;
             }
-            if (isRunning() && hasWorked && decoupler_->atRest) {
-                decoupler_->atRest();
+            if (isRunning()) {
+                rest(hasWorked);
             }
         }
         while (hasRequests()) {
             despatchFirst();
+            hasWorked = true;
+        }
+        rest(hasWorked);
+    }
+
+    /// Before its first request a worker may run while its owner is still being made.
+    void rest(bool hasWorked) {
+        if (hasWorked && decoupler_->atRest) {
+            decoupler_->atRest();
         }
     }
 
@@ -249,8 +258,8 @@ protected:
     Ox::ExternalPtr<DecouplingQueue> queue;
     LightweightString<char> name;
     Shutdown::CallbackPtr shutdownCallback;
-    /// Called on a worker that has served a request, each time it looks and finds nothing to do. Empty, or
-    /// set before `init`.
+    /// Called on a worker that has served a request, each time it looks and finds nothing to do, and before
+    /// it ends. Empty, or set before `init`.
     std::function<void()> atRest;
 
 private:
