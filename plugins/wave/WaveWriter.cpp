@@ -72,7 +72,10 @@ OxResult WaveWriter::open(LightweightString<wchar_t> const& name, Ox::FileWriter
     }
     auto const writer = Ox::makePtr<WaveWriter>(name, std::move(layout), opened);
     if (!writer->writeHeader()) {
-        return refuse(name, toUTF8(OS()->getErrors().getLastErrorText()).c_str(), lastError());
+        OxResult const error =
+            refuse(name, toUTF8(OS()->getErrors().getLastErrorText()).c_str(), lastError());
+        files.deleteFile(name);
+        return error;
     }
     file = writer;
     return oxSuccess;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "plugins/ffmpeg/PictureSurface.h"
+#include "tests/plugins_ffmpeg/AskReader.h"
 #include "tests/plugins_ffmpeg/Media.h"
 #include "video/VideoReadRequest.h"
 
@@ -90,16 +91,8 @@ protected:
     }
     /// Not valid if the frame couldn't be read.
     [[nodiscard]] Surface read(std::uint32_t frame, DecodeFormat const& format = DecodeFormat()) const {
-        Ox::Ptr<FileReadInstance> file = reader_;
-        Ox::Ptr<IndexInfoRep> none;
-        auto request = Ox::makePtr<VideoReadRequest>(file, none, frame, resultDecompressed, format,
-                                                     Ox::Ptr<ReadRequestIssuer::Proxy>());
-        Ox::Ptr<FrameBufferRep> buffer;
-        Surface surface;
-        if (reader_->readVideo(buffer, request) == FileReadInstance::frameRead) {
-            buffer->getSurface(0, surface);
-            static_cast<void>(surface.wait(iThreadEvent::noTimeLimit));
-        }
+        Surface const surface = askReader(reader_, frame, format);
+        static_cast<void>(surface.wait(iThreadEvent::noTimeLimit));
         return surface;
     }
 

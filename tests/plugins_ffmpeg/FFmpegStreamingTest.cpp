@@ -3,6 +3,7 @@
 
 #include "plugins/ffmpeg/FFmpegReader.h"
 #include "plugins/ffmpeg/PictureSurface.h"
+#include "tests/plugins_ffmpeg/AskReader.h"
 #include "tests/plugins_ffmpeg/Media.h"
 #include "tests/support/TemporaryFolder.h"
 #include "video/VideoReadRequest.h"
@@ -25,16 +26,7 @@ protected:
     }
     /// The surface that a read hands out, which needn't be finished; without a body if it failed.
     Surface ask(std::uint32_t frame, DecodeFormat const& format = DecodeFormat()) {
-        Ox::Ptr<FileReadInstance> file = reader_;
-        Ox::Ptr<IndexInfoRep> none;
-        auto request = Ox::makePtr<VideoReadRequest>(file, none, frame, resultDecompressed, format,
-                                                     Ox::Ptr<ReadRequestIssuer::Proxy>());
-        Ox::Ptr<FrameBufferRep> buffer;
-        Surface surface;
-        if (reader_->readVideo(buffer, request) == FileReadInstance::frameRead) {
-            buffer->getSurface(0, surface);
-        }
-        return surface;
+        return askReader(reader_, frame, format);
     }
     Surface read(std::uint32_t frame, DecodeFormat const& format = DecodeFormat()) {
         Surface surface = ask(frame, format);

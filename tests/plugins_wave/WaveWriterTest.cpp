@@ -160,6 +160,13 @@ TEST_F(WriteWave, KeepsWhatWasWrittenBeforeTheDiskWasFull) {
     EXPECT_EQ(readBlock(0, 24000).bytes, wave::samples(shape_, 0, 24000));
 }
 
+TEST_F(WriteWave, LeavesNoFileWhereItsHeaderHasNoRoom) {
+    FullDisk const disk(10);
+    EXPECT_NE(create(params()), 1U);
+    EXPECT_FALSE(file_);
+    EXPECT_FALSE(std::filesystem::exists(path()));
+}
+
 TEST_F(WriteWave, MakesTheFoldersAboveIt) {
     Ox::Ptr<FileWriteInstance> file;
     EXPECT_EQ(info_.openFile(fromUTF8(folder.file("a/b/c.wav").c_str()), params(), file), 1U);
