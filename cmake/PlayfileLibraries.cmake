@@ -33,7 +33,7 @@ if(TARGET playfile)
     endif()
 endif()
 
-playfile_glob(sources host/sqlite/*.cpp)
+playfile_glob(sources host/sqlite/*.cpp host/sidecar/*.cpp)
 playfile_add_library(playfile_store ${sources})
 if(TARGET playfile_store)
     find_package(SQLite3 REQUIRED)

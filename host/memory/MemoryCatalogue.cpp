@@ -129,7 +129,11 @@ OxResult MemoryCatalogue::removeFile(Cookie const& cookie, eMediaTypes types, bo
 std::int32_t MemoryCatalogue::getStartOffset(Cookie const& cookie) {
     std::lock_guard const scope(lock_);
     auto const found = startOffsets_.find(cookie);
-    return found == startOffsets_.end() ? 0 : found->second;
+    if (found != startOffsets_.end()) {
+        return found->second;
+    }
+    auto const header = headers_.find(cookie);
+    return header == headers_.end() ? 0 : header->second.start_offset;
 }
 
 bool MemoryCatalogue::writeHeader(Cookie const& cookie, SAV_HEADER const& header) {

@@ -21,6 +21,7 @@ public:
     using SystemCache::addFile;
     void addFile(Cookie const& cookie, MediaFileInfo const& file, bool option = false) override;
     OxResult removeFile(Cookie const& cookie, eMediaTypes types, bool option = false) override;
+    /// What `setStartOffset` said, else what the header says.
     [[nodiscard]] std::int32_t getStartOffset(Cookie const& cookie) override;
     bool writeHeader(Cookie const& cookie, SAV_HEADER const& header) override;
     [[nodiscard]] bool readHeader(Cookie const& cookie, SAV_HEADER& header) override;

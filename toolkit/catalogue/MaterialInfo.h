@@ -15,7 +15,8 @@ public:
     class iStore {
     public:
         virtual ~iStore() = default;
-        /// Samples by which the clip's time line begins behind its media's start; 0 if unknown.
+        /// Samples by which the clip's time line begins behind its media's start, as its header says; 0
+        /// without one.
         [[nodiscard]] virtual std::int32_t getStartOffset(Cookie const& cookie) = 0;
         /// Stores the header of a piece of material, in place of the one before; false on failure.
         virtual bool writeHeader(Cookie const& /*cookie*/, SAV_HEADER const& /*header*/) { return false; }

@@ -26,11 +26,13 @@ Session::Session(SessionOptions const& options)
     : log_(options.isVerbose),
       preferences_(options.preferences),
       pluginPath_(options.pluginPath.empty() ? usualPluginPath() : options.pluginPath) {
+    MaterialInfo::install(&headers_);
     playfile_init();
 }
 
 Session::~Session() {
     playfile_exit();
+    MaterialInfo::install(nullptr);
 }
 
 void Session::loadReaders() {

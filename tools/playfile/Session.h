@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "host/sidecar/HeaderFiles.h"
 #include "toolkit/catalogue/Cookie.h"
 #include "tools/playfile/LogCapture.h"
 #include "tools/playfile/PreferencesFile.h"
@@ -17,7 +18,7 @@ struct SessionOptions {
     bool isVerbose = false;
 };
 
-/// The library made ready for a command: log, preferences, plug-ins and catalogue.
+/// The library made ready for a command: log, preferences, plug-ins, catalogue and headers.
 ///
 /// Ownership  There is one at a time; its end closes every file.
 class Session {
@@ -41,6 +42,7 @@ public:
 private:
     LogCapture log_;
     PreferencesFile preferences_;
+    HeaderFiles headers_;
     std::string const pluginPath_;
 };
 
