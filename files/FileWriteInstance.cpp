@@ -7,3 +7,7 @@ std::uint32_t FileWriteInstance::writeSurface(Ox::Ptr<CapturePacket>& packet) {
     }
     return status;
 }
+
+std::uint32_t FileWriteInstance::finish() {
+    return oxSuccess;
+}

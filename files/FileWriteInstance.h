@@ -35,4 +35,9 @@ public:
     virtual std::uint32_t writeFrameData(Ox::Image::Surface const& surface) = 0;
     /// Frames that were accepted and aren't written yet.
     [[nodiscard]] virtual std::uint64_t getWriteBacklog() = 0;
+    /// Ends the file: waits until all that was accepted is written, and makes the file whole. Nothing can be
+    /// written afterwards. Who doesn't call it leaves it to the last release, and learns of no failure.
+    ///
+    /// @return  1, or what was the first failure; the same again for another call
+    virtual std::uint32_t finish();
 };

@@ -6,6 +6,7 @@
 #include "plugins/ffmpeg/FFmpegAudioDecoder.h"
 #include "plugins/ffmpeg/FFmpegReader.h"
 #include "plugins/ffmpeg/FFmpegSoundReader.h"
+#include "plugins/ffmpeg/FFmpegWriterInfo.h"
 #include "toolkit/plugins/Plugin.h"
 #include "toolkit/services/Log.h"
 
@@ -88,5 +89,6 @@ extern "C" int playfile_registerPlugin(std::uint32_t interfaceVersion, iPluginRe
     registrar.addFileReader(Ox::makePtr<playfile_ffmpeg::FFmpegReaderInfo>(), playfile_ffmpeg::priority);
     registrar.addAudioDecoder(Ox::makePtr<playfile_ffmpeg::FFmpegAudioDecoderInfo>(),
                               playfile_ffmpeg::priority);
+    registrar.addFileWriter(Ox::makePtr<playfile_ffmpeg::FFmpegWriterInfo>(), playfile_ffmpeg::priority);
     return 1;
 }

@@ -26,6 +26,10 @@ AVColorSpace matrixOf(AVFrame const& picture, AVColorSpace assumedMatrix) {
 
 }  // namespace
 
+AVColorSpace assumedMatrixOf(AVFrame const& picture) {
+    return matrixOf(picture, AVCOL_SPC_UNSPECIFIED);
+}
+
 PictureShape shapeOf(AVFrame const& picture) {
     return {picture.width, picture.height, static_cast<AVPixelFormat>(picture.format)};
 }

@@ -16,6 +16,9 @@ struct PictureShape {
 /// The shape of a picture as it is.
 PictureShape shapeOf(AVFrame const& picture);
 
+/// The matrix between RGB and YUV that a picture states, or else is taken for by its height.
+[[nodiscard]] AVColorSpace assumedMatrixOf(AVFrame const& picture);
+
 /// Scales pictures and changes their pixel format.
 ///
 /// Between YUV and RGB it uses the picture's own matrix and range; a matrix that isn't stated is that of

@@ -12,7 +12,7 @@
 #include "plugins/wave/BroadcastChunk.h"
 #include "toolkit/services/Log.h"
 #include "toolkit/services/Paths.h"
-#include "toolkit/services/ResourceText.h"
+#include "toolkit/services/WriteProblem.h"
 #include "toolkit/sound/SampleFormat.h"
 
 namespace playfile_wave {
@@ -25,14 +25,13 @@ constexpr std::uint64_t fewestBytes = 4096;
 constexpr std::uint64_t mostBytesAtOnce = 1 << 20;
 constexpr std::uint32_t mostChannels = 0xFFFF;
 
-OxResult lastError() {
-    OxResult const error = OS()->getErrors().getLastError();
-    return error == 0 ? oxFailure : error;
-}
-
 OxResult refuse(LightweightString<wchar_t> const& name, char const* reason, OxResult result) {
     LogBoth("Wave: \"%ls\" can't be written: %s\n", name.c_str(), reason);
     return result;
+}
+
+OxResult refuse(LightweightString<wchar_t> const& name, OxResult error) {
+    return refuse(name, writeProblemText(error).c_str(), error);
 }
 
 std::uint64_t bytesPerSecond(Aud::WaveLayout const& layout) {
@@ -68,12 +67,11 @@ OxResult WaveWriter::open(LightweightString<wchar_t> const& name, Ox::FileWriter
     Ox::Ptr<iFile> const opened =
         files.openFile(name, iFile::readAccess | iFile::writeAccess, iFile::createAlways, iFile::shared);
     if (!opened) {
-        return refuse(name, toUTF8(OS()->getErrors().getLastErrorText()).c_str(), lastError());
+        return refuse(name, lastWriteError());
     }
     auto const writer = Ox::makePtr<WaveWriter>(name, std::move(layout), opened);
     if (!writer->writeHeader()) {
-        OxResult const error =
-            refuse(name, toUTF8(OS()->getErrors().getLastErrorText()).c_str(), lastError());
+        OxResult const error = refuse(name, lastWriteError());
         files.deleteFile(name);
         return error;
     }
@@ -87,17 +85,29 @@ WaveWriter::WaveWriter(LightweightString<wchar_t> const& name, Aud::WaveLayout l
       file_(std::move(file)),
       dataOffset_(layout_.header(0).size()),
       bytesBetweenHeaders_(std::max(bytesPerSecond(layout_) / headersPerSecond, fewestBytes)),
-      spool_(std::make_unique<SampleSpool>(std::max(bytesPerSecond(layout_) / waitingPerSecond, fewestBytes),
-                                           [this](iMemHolder const& buffer) { return append(buffer); })) {
+      spool_(
+          std::make_unique<WriteSpool>(std::max(bytesPerSecond(layout_) / waitingPerSecond, fewestBytes))) {
     metadata->audioStreams = {layout_.format};
     metadata->audioInfoCount = 1;
 }
 
 WaveWriter::~WaveWriter() {
-    spool_ = nullptr;
-    if (statedBytes_ != dataBytes_ && !stateLength()) {
-        reportWriteError(lastError());
+    static_cast<void>(finish());
+}
+
+std::uint32_t WaveWriter::finish() {
+    if (spool_) {
+        result_ = spool_->waitUntilWritten();
+        spool_ = nullptr;
+        // What a failure has left is stated, too, where that can be done.
+        bool const isStated = statedBytes_ == dataBytes_ || stateLength();
+        if (!isStated && result_ == oxSuccess) {
+            result_ = lastWriteError();
+            reportWriteError(result_);
+        }
+        file_ = nullptr;
     }
+    return result_;
 }
 
 LightweightString<char> WaveWriter::getDescription() const {
@@ -105,15 +115,19 @@ LightweightString<char> WaveWriter::getDescription() const {
 }
 
 std::uint32_t WaveWriter::writeAudioSamples(Ox::Ptr<iMemHolder>& data, Callback callback) {
-    SampleSpool::Told told;
+    WriteSpool::Told told;
     if (callback != nullptr) {
         told = [callback](bool isWritten) { callback(isWritten ? requestComplete : requestFailed); };
     }
-    return spool_->put(data, std::move(told));
+    if (!spool_) {
+        return oxFailure;
+    }
+    return spool_->put(
+        data->getUsed(), [this, data] { return append(*data); }, std::move(told));
 }
 
 void WaveWriter::reportWriteError(std::uint32_t status) {
-    refuse(filename, resourceStr(status).c_str(), status);
+    static_cast<void>(refuse(filename, status));
 }
 
 std::uint32_t WaveWriter::writeFrameData(Ox::Image::Surface const&) {
@@ -126,7 +140,7 @@ OxResult WaveWriter::append(iMemHolder const& buffer) {
     while (left != 0) {
         std::uint64_t const part = std::min({left, bytesBetweenHeaders_, mostBytesAtOnce});
         if (!writeAt(dataOffset_ + dataBytes_, bytes, part)) {
-            OxResult const error = lastError();
+            OxResult const error = lastWriteError();
             reportWriteError(error);
             return error;
         }
@@ -134,7 +148,7 @@ OxResult WaveWriter::append(iMemHolder const& buffer) {
         bytes += part;
         left -= part;
         if (dataBytes_ - statedBytes_ >= bytesBetweenHeaders_ && !stateLength()) {
-            OxResult const error = lastError();
+            OxResult const error = lastWriteError();
             reportWriteError(error);
             return error;
         }

@@ -4,8 +4,8 @@
 
 #include "files/FileWriteInstance.h"
 #include "ole/os/FileManager.h"
-#include "plugins/wave/SampleSpool.h"
 #include "toolkit/plugins/FileWriterInfo.h"
+#include "toolkit/plugins/WriteSpool.h"
 #include "toolkit/sound/WaveLayout.h"
 
 namespace playfile_wave {
@@ -35,7 +35,8 @@ public:
     void reportWriteError(std::uint32_t status) override;
     /// It takes no pictures.
     std::uint32_t writeFrameData(Ox::Image::Surface const& surface) override;
-    [[nodiscard]] std::uint64_t getWriteBacklog() override { return spool_->backlog(); }
+    [[nodiscard]] std::uint64_t getWriteBacklog() override { return spool_ ? spool_->backlog() : 0; }
+    std::uint32_t finish() override;
 
 private:
     [[nodiscard]] OxResult append(iMemHolder const& buffer);
@@ -44,12 +45,13 @@ private:
     [[nodiscard]] bool writeHeader();
 
     Aud::WaveLayout const layout_;
-    Ox::Ptr<iFile> const file_;
+    Ox::Ptr<iFile> file_;  ///< Empty once the file is ended.
     std::uint64_t const dataOffset_;
     std::uint64_t const bytesBetweenHeaders_;
-    std::uint64_t dataBytes_ = 0;    ///< Spool's thread: that lie in the file.
-    std::uint64_t statedBytes_ = 0;  ///< Spool's thread: that its header states.
-    std::unique_ptr<SampleSpool> spool_;
+    std::uint64_t dataBytes_ = 0;        ///< Spool's thread: that lie in the file.
+    std::uint64_t statedBytes_ = 0;      ///< Spool's thread: that its header states.
+    OxResult result_ = oxSuccess;        ///< Once the file is ended.
+    std::unique_ptr<WriteSpool> spool_;  ///< Empty once the file is ended.
 };
 
 }  // namespace playfile_wave

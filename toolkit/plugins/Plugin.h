@@ -28,7 +28,7 @@ protected:
 };
 
 /// Raised whenever a plug-in built against older headers would no longer work.
-inline constexpr std::uint32_t pluginInterfaceVersion = 3;
+inline constexpr std::uint32_t pluginInterfaceVersion = 4;
 
 /// The entry point that every plug-in exports under the name `playfile_registerPlugin`.
 ///

@@ -10,6 +10,7 @@
 #include "tools/playfile/Interrupt.h"
 #include "tools/playfile/Output.h"
 #include "tools/playfile/QuarantineCommand.h"
+#include "tools/playfile/RecordCommand.h"
 #include "tools/playfile/ShowCommand.h"
 #include "tools/playfile/Text.h"
 
@@ -50,14 +51,15 @@ public:
     }
 
 private:
-    CLI::App app_{"Opens media files and reads their frames and samples."};
+    CLI::App app_{"Opens media files, reads their frames and samples, and records new ones."};
     SessionOptions options_;
     InfoCommand info_;
     FramesCommand frames_;
     AudioCommand audio_;
     ShowCommand show_;
+    RecordCommand record_;
     QuarantineCommand quarantine_;
-    std::array<Command*, 5> commands_{&info_, &frames_, &audio_, &show_, &quarantine_};
+    std::array<Command*, 6> commands_{&info_, &frames_, &audio_, &show_, &record_, &quarantine_};
 };
 
 int runGuarded(int argc, char** argv) {

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+#include "ole/os/Errors.h"
+
+/// What is on its way to a file, in its order, and the thread that writes it.
+///
+/// Whoever hands something over waits until no more than a bound of bytes is left to write, so that little is
+/// lost if the process dies, and memory stays flat if the disk is slow. After the first failure nothing more is
+/// written, and everything gets that answer.
+///
+/// Ownership  It holds what isn't written yet.
+/// Threads    One at a time hands over. What it is handed is called on its own thread.
+/// Lock order `lock_`; nothing is called under it.
+class WriteSpool {
+public:
+    /// Writes one thing, which it holds; 1, or what went wrong.
+    using Write = std::function<OxResult()>;
+    /// Told of the end of one thing, on the spool's thread; may be empty.
+    using Told = std::function<void(bool isWritten)>;
+
+    explicit WriteSpool(std::uint64_t mostBytesWaiting);
+    /// Waits until all is written.
+    ~WriteSpool();
+    WriteSpool(WriteSpool const&) = delete;
+    WriteSpool& operator=(WriteSpool const&) = delete;
+
+    /// 1, or the failure of something earlier; then nothing is taken.
+    ///
+    /// @param byteCount  what it holds of memory
+    OxResult put(std::uint64_t byteCount, Write write, Told told);
+    /// How many things are left to write.
+    [[nodiscard]] std::uint64_t backlog() const;
+    /// Waits until all is written, or can't be: 1, or the first failure.
+    [[nodiscard]] OxResult waitUntilWritten();
+
+private:
+    struct Entry {
+        std::uint64_t byteCount;
+        Write write;
+        Told told;
+    };
+
+    void work();
+    [[nodiscard]] OxResult finish(Entry& entry, OxResult before);
+
+    std::uint64_t const mostBytesWaiting_;
+    mutable std::mutex lock_;
+    std::condition_variable changed_;
+    std::deque<Entry> entries_;       ///< Under the lock; the first one is being written.
+    std::uint64_t bytesWaiting_ = 0;  ///< Under the lock.
+    OxResult result_ = oxSuccess;     ///< Under the lock.
+    bool isEnding_ = false;           ///< Under the lock.
+    std::thread thread_;
+};
