@@ -220,6 +220,10 @@ bool FrameFetcher::isMissing(uint32_t frame) const {
     return isKnownUndecodable || reader_->isMissing(index_.packetOf(frame));
 }
 
+void FrameFetcher::shrinkStore() {
+    store_.shrink(static_cast<uint32_t>(std::max<int64_t>(lastFrame_, 0)));
+}
+
 void FrameFetcher::closeDecoders() {
     decodedBefore_ = counters().framesDecoded;
     linear_ = nullptr;

@@ -48,6 +48,8 @@ public:
     /// How many pictures are kept.
     void setStoreLimits(PictureStore::Limits const& limits) { store_.setLimits(limits); }
     PictureStore const& store() const { return store_; }
+    /// Lets go of the pictures beyond these limits, those farthest from the frame that was fetched last.
+    void shrinkStore();
 
     /// Lets go of the decoders with their threads, and of all pictures; they are made anew when needed.
     void closeDecoders();

@@ -19,6 +19,10 @@ void PictureStore::put(uint32_t frame, PicturePtr picture, uint32_t wanted) {
     largestPicture_ = std::max(largestPicture_, std::max<size_t>(byteCountOf(*picture), 1));
     measureCapacity();
     pictures_.emplace(frame, std::move(picture));
+    shrink(wanted);
+}
+
+void PictureStore::shrink(uint32_t wanted) {
     while (pictures_.size() > capacity_) {
         dropFarthest(wanted);
     }

@@ -26,7 +26,7 @@ public:
     PictureStore() = default;
     explicit PictureStore(Limits const& limits) { setLimits(limits); }
 
-    /// What is too much by the new limits goes with the next `put`.
+    /// What is too much by the new limits goes with the next `put` or `shrink`.
     void setLimits(Limits const& limits);
 
     PicturePtr find(uint32_t frame) const;
@@ -34,6 +34,8 @@ public:
     /// Takes a picture, unless one of that frame is there; of too many, those farthest from frame `wanted`
     /// go, which may be this one.
     void put(uint32_t frame, PicturePtr picture, uint32_t wanted);
+    /// Lets go of what is too much, what is farthest from frame `wanted` first.
+    void shrink(uint32_t wanted);
 
     /// Lets go of all frames but those from `first` to `last`.
     void keepOnly(uint32_t first, uint32_t last);

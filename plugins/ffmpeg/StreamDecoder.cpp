@@ -48,7 +48,8 @@ PictureRoom StreamDecoder::room() const {
 }
 
 PictureRoom StreamDecoder::measureRoom() const {
-    return PictureRoom::of(memoryBytes_.load(std::memory_order_relaxed), fetcher_->store().largestPicture());
+    std::uint64_t const bytes = std::min(memoryBytes_.load(std::memory_order_relaxed), keeper_.share());
+    return PictureRoom::of(bytes, fetcher_->store().largestPicture());
 }
 
 void StreamDecoder::limitStore() {
@@ -102,6 +103,14 @@ bool StreamDecoder::tryClose() {
         fetcher_->closeDecoders();
     }
     return scope.owns_lock();
+}
+
+void StreamDecoder::tryShrink() {
+    std::unique_lock const scope(lock_, std::try_to_lock);
+    if (scope.owns_lock()) {
+        limitStore();
+        fetcher_->shrinkStore();
+    }
 }
 
 FrameFetcher::Counters StreamDecoder::counters() const {

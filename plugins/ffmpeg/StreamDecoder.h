@@ -25,7 +25,8 @@ public:
     /// Takes each frame's picture in turn, empty if there is none.
     using Deliver = std::function<void(std::size_t position, PicturePtr const& picture)>;
 
-    /// @param memoryBytes  that the pictures of its store and of two batches may take together
+    /// @param memoryBytes  that the pictures of its store and of two batches may take together, if its share of
+    ///                     the keeper's memory is no less
     static std::shared_ptr<StreamDecoder> make(std::unique_ptr<FrameFetcher> fetcher, DecoderKeeper& keeper,
                                                std::uint64_t memoryBytes);
 
@@ -45,6 +46,7 @@ public:
     bool comesWith(std::uint32_t frame, std::uint32_t wanted) const;
 
     bool tryClose() override;
+    void tryShrink() override;
 
     FrameFetcher::Counters counters() const;
     /// Pictures that are stored.

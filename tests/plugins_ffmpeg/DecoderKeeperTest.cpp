@@ -13,7 +13,9 @@ public:
         isClosed = !isAtWork;
         return !isAtWork;
     }
+    void tryShrink() override { ++shrinks; }
     bool isAtWork = false;
+    int shrinks = 0;
     bool isClosed = false;
 };
 
@@ -74,6 +76,41 @@ TEST_F(DecoderKeeperTest, CountsNoneThatIsGone) {
     keeper_.use(std::make_shared<FakeDecoder>());
     keeper_.use(b_);
     EXPECT_FALSE(a_->isClosed);
+}
+
+TEST_F(DecoderKeeperTest, GivesEachOpenDecoderTheSamePartOfTheMemory) {
+    DecoderKeeper keeper(8, 600);
+    EXPECT_EQ(keeper.share(), 600U);
+    keeper.use(a_);
+    keeper.use(b_);
+    keeper.use(b_);
+    EXPECT_EQ(keeper.share(), 300U);
+    keeper.use(c_);
+    EXPECT_EQ(keeper.share(), 200U);
+}
+
+TEST_F(DecoderKeeperTest, GivesNoPartToOneThatItClosed) {
+    DecoderKeeper keeper(2, 600);
+    keeper.use(a_);
+    keeper.use(b_);
+    keeper.use(c_);
+    EXPECT_EQ(keeper.share(), 300U);
+}
+
+TEST_F(DecoderKeeperTest, ShrinksTheOthersWhenOneOpens) {
+    DecoderKeeper keeper(8, 600);
+    keeper.use(a_);
+    keeper.use(b_);
+    EXPECT_EQ(a_->shrinks, 1);
+}
+
+TEST_F(DecoderKeeperTest, ShrinksNoneAsLongAsTheSameAreOpen) {
+    DecoderKeeper keeper(8, 600);
+    keeper.use(a_);
+    keeper.use(b_);
+    keeper.use(a_);
+    keeper.use(b_);
+    EXPECT_EQ(a_->shrinks, 1);
 }
 
 }  // namespace

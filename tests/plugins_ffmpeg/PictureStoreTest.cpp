@@ -100,6 +100,14 @@ TEST_F(PictureStoreTest, TakesNewLimitsWithTheNextPicture) {
     EXPECT_EQ(store_.count(), 3U);
 }
 
+TEST_F(PictureStoreTest, TakesNewLimitsWhenItShrinks) {
+    put(0, 10, 1);
+    store_.setLimits({0, 2, 2});
+    store_.shrink(5);
+    EXPECT_EQ(store_.count(), 2U);
+    EXPECT_TRUE(store_.find(5));
+}
+
 TEST_F(PictureStoreTest, DoesNotTakeAPictureThatLiesFarthestItself) {
     put(10, 4, limits_.bytes);
     store_.put(30, pictureOf(1), 10);

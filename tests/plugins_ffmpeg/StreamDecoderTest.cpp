@@ -24,7 +24,7 @@ protected:
         std::string error;
         std::unique_ptr<FrameFetcher> fetcher = FrameFetcher::open(medium(name), error);
         EXPECT_TRUE(fetcher) << error;
-        return StreamDecoder::make(std::move(fetcher), keeper_, std::uint64_t{1} << 30);
+        return StreamDecoder::make(std::move(fetcher), *keeper_, std::uint64_t{1} << 30);
     }
     /// Gives it memory for so many pictures.
     void allow(std::uint64_t pictures) {
@@ -59,7 +59,7 @@ protected:
         return after;
     }
 
-    DecoderKeeper keeper_{2};
+    std::unique_ptr<DecoderKeeper> keeper_ = std::make_unique<DecoderKeeper>(2);
     std::shared_ptr<StreamDecoder> decoder_;
     ReadPattern pattern_;
 };
@@ -104,6 +104,17 @@ TEST_F(StreamDecoderTest, NeverStoresMoreThanMemoryAllows) {
         }
         EXPECT_LE(most + 2 * decoder_->room().batch, pictures);
     }
+}
+
+TEST_F(StreamDecoderTest, SharesTheMemoryWithAnotherOneThatOpens) {
+    std::uint64_t const picture = decoder_->file().store().largestPicture();
+    keeper_ = std::make_unique<DecoderKeeper>(8, 40 * picture);
+    decoder_ = open(oneGroup);
+    EXPECT_EQ(fetch(99), 99);
+    EXPECT_EQ(fetch(98), 98);
+    ASSERT_GT(decoder_->storedCount(), 20U);
+    std::shared_ptr<StreamDecoder> const other = open(oneGroup);
+    EXPECT_LE(decoder_->storedCount() + 2 * decoder_->room().batch, 20U);
 }
 
 TEST_F(StreamDecoderTest, GivesTheRightFramesWithMemoryForFour) {
