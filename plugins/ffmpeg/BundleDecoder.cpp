@@ -6,6 +6,12 @@
 #include <utility>
 
 namespace playfile_ffmpeg {
+namespace {
+
+/// More than a packet gives in the long run, so that they don't pile up.
+constexpr size_t mostReusedAtOnce = 2;
+
+}  // namespace
 
 BundleDecoder::BundleDecoder(std::unique_ptr<SoundDecoder> decoder, SoundForm form)
     : decoder_(std::move(decoder)),
@@ -137,12 +143,13 @@ void BundleDecoder::forgetBefore(int64_t sample) {
     }
 }
 
+/// A few at a time: malloc is slow to take back many blocks of a size at once.
 void BundleDecoder::reuseForgotten() {
     std::lock_guard const scope(lock_);
-    for (AvPtr<AVFrame>& frame : forgotten_) {
-        decoder_->giveBack(std::move(frame));
+    for (size_t count = 0; count < mostReusedAtOnce && !forgotten_.empty(); ++count) {
+        decoder_->giveBack(std::move(forgotten_.back()));
+        forgotten_.pop_back();
     }
-    forgotten_.clear();
 }
 
 void BundleDecoder::write(Bundle const& bundle, int channel, uint8_t* to) const {

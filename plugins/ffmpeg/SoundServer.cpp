@@ -13,7 +13,7 @@ namespace {
 
 /// What is decoded at once when samples are read in order: a few blocks, as many as an editor that plays
 /// has under way.
-constexpr std::uint64_t aheadSamples = 8192;
+constexpr std::uint64_t aheadSamples = 16384;
 
 }  // namespace
 
