@@ -112,6 +112,7 @@ unsigned int FFmpegReader::decodeFrames(Ox::Ptr<FrameBufferRep>& batch, unsigned
         ReadPattern const pattern = plannedPattern();
         std::vector<std::uint32_t> const frames = framesInTurn(*batch, pattern.last());
         std::vector<std::uint32_t> stored;
+        stored.reserve(frames.size());
         for (std::uint32_t const frame : frames) {
             stored.push_back(storedFrame(frame));
         }
