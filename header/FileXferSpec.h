@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
@@ -38,6 +39,14 @@ public:
     /// The first plug-in that can make this copy; null if none can.
     [[nodiscard]] iFileXferManager* getOurFileXferManager();
 
+    /// Asks the transfer that is under way to end; from any thread.
+    void requestStop() { std::atomic_ref(xferStatus).store(oxInterrupted, std::memory_order_relaxed); }
+    /// For the plug-in, which asks again and again.
+    [[nodiscard]] bool isStopRequested() {
+        return std::atomic_ref(xferStatus).load(std::memory_order_relaxed) != 0;
+    }
+
+    /// 0 when a transfer begins; anything else asks it to end.
     std::int32_t xferStatus = 0;
     /// For the plug-in.
     configb options;

@@ -3,10 +3,12 @@
 #include <cstdio>
 #include <exception>
 
+#include "ole/os/Immortal.h"
 #include "plugins/ffmpeg/FFmpegAudioDecoder.h"
 #include "plugins/ffmpeg/FFmpegReader.h"
 #include "plugins/ffmpeg/FFmpegSoundReader.h"
 #include "plugins/ffmpeg/FFmpegWriterInfo.h"
+#include "plugins/ffmpeg/SectionTransfer.h"
 #include "toolkit/plugins/Plugin.h"
 #include "toolkit/services/Log.h"
 
@@ -90,5 +92,6 @@ extern "C" int playfile_registerPlugin(std::uint32_t interfaceVersion, iPluginRe
     registrar.addAudioDecoder(Ox::makePtr<playfile_ffmpeg::FFmpegAudioDecoderInfo>(),
                               playfile_ffmpeg::priority);
     registrar.addFileWriter(Ox::makePtr<playfile_ffmpeg::FFmpegWriterInfo>(), playfile_ffmpeg::priority);
+    OxDeviceDriverManager::instance().add(fileXferResource, &immortal<playfile_ffmpeg::SectionTransfer>());
     return 1;
 }

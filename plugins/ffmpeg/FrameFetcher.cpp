@@ -224,6 +224,10 @@ void FrameFetcher::shrinkStore() {
     store_.shrink(static_cast<uint32_t>(std::max<int64_t>(lastFrame_, 0)));
 }
 
+bool FrameFetcher::readPacket(uint32_t frame, AVPacket& packet) {
+    return frame < frameCount() && reader_->read(index_.packetOf(frame), packet);
+}
+
 void FrameFetcher::closeDecoders() {
     decodedBefore_ = counters().framesDecoded;
     linear_ = nullptr;

@@ -45,6 +45,13 @@ public:
     /// The same, with the word on which others are wanted.
     PicturePtr fetch(uint32_t frame, Keep const& keep);
 
+    /// Fills `packet` with the coded bytes of a frame that is a packet by itself; false if the file doesn't
+    /// hold it. Blocks on the file.
+    [[nodiscard]] bool readPacket(uint32_t frame, AVPacket& packet);
+    /// True if each packet is a frame that needs no other.
+    bool isPacketPerFrame() const { return index_.isEveryPacketAKey() && index_.packetCount() == frameCount(); }
+    AVCodecParameters const& parameters() const { return *parameters_; }
+
     /// How many pictures are kept.
     void setStoreLimits(PictureStore::Limits const& limits) { store_.setLimits(limits); }
     PictureStore const& store() const { return store_; }

@@ -30,8 +30,8 @@ Progress::~Progress() {
     }
 }
 
-void Progress::step() {
-    ++done_;
+void Progress::moveTo(std::uint64_t done) {
+    done_ = done;
     if (!isShown_ || Clock::now() < nextShow_) {
         return;
     }

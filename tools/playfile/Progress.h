@@ -20,7 +20,9 @@ public:
     Progress& operator=(Progress const&) = delete;
 
     /// One more is done.
-    void step();
+    void step() { moveTo(done_ + 1); }
+    /// So many are done by now.
+    void moveTo(std::uint64_t done);
 
 private:
     using Clock = std::chrono::steady_clock;

@@ -5,13 +5,17 @@
 #include "playfile/playfile.h"
 #include "tools/playfile/AudioCommand.h"
 #include "tools/playfile/CommandError.h"
+#include "tools/playfile/DeleteCommand.h"
+#include "tools/playfile/ExtractCommand.h"
 #include "tools/playfile/FramesCommand.h"
+#include "tools/playfile/HeaderCommand.h"
 #include "tools/playfile/InfoCommand.h"
 #include "tools/playfile/Interrupt.h"
 #include "tools/playfile/Output.h"
 #include "tools/playfile/QuarantineCommand.h"
 #include "tools/playfile/RecordCommand.h"
 #include "tools/playfile/ShowCommand.h"
+#include "tools/playfile/SizeCommand.h"
 #include "tools/playfile/Text.h"
 
 namespace cli {
@@ -58,8 +62,13 @@ private:
     AudioCommand audio_;
     ShowCommand show_;
     RecordCommand record_;
+    ExtractCommand extract_;
+    HeaderCommand header_;
+    SizeCommand size_;
+    DeleteCommand delete_;
     QuarantineCommand quarantine_;
-    std::array<Command*, 6> commands_{&info_, &frames_, &audio_, &show_, &record_, &quarantine_};
+    std::array<Command*, 10> commands_{&info_,    &frames_, &audio_, &show_,   &record_,
+                                       &extract_, &header_, &size_,  &delete_, &quarantine_};
 };
 
 int runGuarded(int argc, char** argv) {
