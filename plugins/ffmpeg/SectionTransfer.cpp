@@ -53,33 +53,37 @@ MaterialFilename targetOf(FileXferSpec const& spec) {
     return {place.getDrive(), place.getPath() + Name(isSound(spec) ? L".wav" : L".mov")};
 }
 
-/// The samples of one stream that lie beside those of the file from `first` up to `end`.
+/// All channels of one stream, with these samples of its own counting.
 SoundPart partOf(PlayFileMetadataRep const& metadata, std::uint32_t stream, std::uint64_t first,
                  std::uint64_t end) {
-    std::vector<Aud::Metadata> const& streams = metadata.audioStreams;
     SoundPart part;
     part.stream = stream;
-    part.channelCount = streams[stream].channels;
+    part.channelCount = metadata.audioStreams[stream].channels;
     for (std::uint32_t before = 0; before < stream; ++before) {
-        part.fileChannel += streams[before].channels;
+        part.fileChannel += metadata.audioStreams[before].channels;
     }
-    auto const rate = static_cast<std::int64_t>(streams[stream].sampleRate);
-    auto const mainRate = static_cast<std::int64_t>(streams.front().sampleRate);
-    auto const scaled = [&](std::uint64_t sample) {
-        auto const number = static_cast<std::int64_t>(sample);
-        return rate == mainRate || mainRate <= 0
-                   ? sample
-                   : static_cast<std::uint64_t>(av_rescale_rnd(number, rate, mainRate, AV_ROUND_DOWN));
-    };
-    part.first = scaled(first);
-    part.end = scaled(std::min(end, metadata.audioSampleCount));
+    part.first = first;
+    part.end = end;
     return part;
 }
 
+/// A sample of the first stream, as another one counts it.
+std::uint64_t scaled(PlayFileMetadataRep const& metadata, std::uint32_t stream, std::uint64_t sample) {
+    auto const rate = static_cast<std::int64_t>(metadata.audioStreams[stream].sampleRate);
+    auto const firstRate = static_cast<std::int64_t>(metadata.audioStreams.front().sampleRate);
+    return rate == firstRate || firstRate <= 0
+               ? sample
+               : static_cast<std::uint64_t>(
+                     av_rescale_rnd(static_cast<std::int64_t>(sample), rate, firstRate, AV_ROUND_DOWN));
+}
+
+/// What lies beside these samples of the first stream, in all streams.
 std::vector<SoundPart> allParts(PlayFileMetadataRep const& metadata, std::uint64_t first, std::uint64_t end) {
     std::vector<SoundPart> parts;
+    std::uint64_t const last = std::min(end, metadata.audioSampleCount);
     for (std::uint32_t stream = 0; stream < metadata.audioStreams.size(); ++stream) {
-        SoundPart const part = partOf(metadata, stream, first, end);
+        SoundPart const part =
+            partOf(metadata, stream, scaled(metadata, stream, first), scaled(metadata, stream, last));
         if (part.channelCount > 0 && part.first < part.end) {
             parts.push_back(part);
         }

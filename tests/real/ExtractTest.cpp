@@ -1,0 +1,206 @@
+/// Sections of clips, extracted through the library and the plug-in, beside the same sections of the linear
+/// decode by the program `ffmpeg`.
+///
+/// The seed is printed; the environment's PLAYFILE_TEST_SEED sets it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <random>
+
+#include "header/FileXferSpec.h"
+#include "host/memory/MemoryCatalogue.h"
+#include "host/memory/MemoryEditStore.h"
+#include "host/memory/MemoryTaskLog.h"
+#include "host/sidecar/HeaderFiles.h"
+#include "tests/real/DecodedSound.h"
+#include "tests/real/OpenClip.h"
+#include "tests/real/OpenSound.h"
+#include "tests/real/RealMedia.h"
+#include "tests/support/Installed.h"
+#include "tests/support/TemporaryFolder.h"
+#include "toolkit/catalogue/DiskManager.h"
+
+namespace test {
+namespace {
+
+constexpr int sectionCount = turns(100);
+constexpr std::uint32_t mostFrames = 40;
+constexpr std::uint32_t mostSamples = 100'000;
+/// The rate by which times are told; the sections are counted in samples.
+constexpr double samplesPerSecond = 48000.0;
+/// Longer ones would make up most of the test's time.
+constexpr std::uintmax_t mostBytes = 3'000'000;
+
+std::uint32_t seed() {
+    char const* const given = std::getenv("PLAYFILE_TEST_SEED");
+    std::uint32_t const number = given != nullptr
+                                     ? static_cast<std::uint32_t>(std::strtoul(given, nullptr, 10))
+                                     : std::random_device()();
+    std::cout << "PLAYFILE_TEST_SEED=" << number << std::endl;
+    return number;
+}
+
+/// A drive for renders in a folder of its own, and headers beside the material.
+class ExtractReal : public testing::Test {
+protected:
+    ExtractReal() : random_(seed()), installed_(&headers_) {
+        DiskManager::instance().setDriveRoot('X', folder_.name(""));
+        DiskManager::instance().setDriveForTask("render", 'X');
+    }
+    ~ExtractReal() override { DiskManager::instance().removeDrive('X'); }
+
+    [[nodiscard]] std::uint64_t pick(std::uint64_t most) {
+        return std::uniform_int_distribution<std::uint64_t>(0, most)(random_);
+    }
+
+    /// Extracts, and gives the path of the copy; empty if that failed.
+    [[nodiscard]] std::string extract(FileXferSpec& spec) {
+        Ox::Ptr<MemoryTaskLog> const log = Ox::makePtr<MemoryTaskLog>();
+        LoggerHandle handle(log);
+        OxResult const result = spec.get_extract(handle);
+        for (MemoryTaskLog::Line const& line : log->lines()) {
+            ADD_FAILURE() << toUTF8(line.text).str();
+        }
+        LightweightString<wchar_t> name;
+        bool const isFiled = MemoryCatalogue::instance().findFileForCookie(spec.destination, name,
+                                                                           DecodeFormat(levelOriginal));
+        EXPECT_EQ(isFiled, result == oxSuccess);
+        return isFiled ? toUTF8(name).str() : "";
+    }
+
+    /// The samples of one channel from `first` up to `end`.
+    static std::unique_ptr<FileXferSpec> soundSection(std::string const& path, std::uint32_t channel,
+                                                      std::uint64_t first, std::uint64_t end) {
+        auto spec = std::make_unique<FileXferSpec>();
+        spec->source = Cookie(Ox::UUID::generate(), 'S', static_cast<std::uint8_t>(channel + 1));
+        spec->destination = Cookie(Ox::UUID::generate(), 'S', 1);
+        MemoryCatalogue::instance().add(spec->source, fromUTF8(path.c_str()));
+        MemoryEditStore::instance().setAudioInputSampleRate(
+            convertCookie(spec->source, 'E', Cookie::wholeClip), Aud::SampleRate(samplesPerSecond));
+        spec->startTime = static_cast<double>(first) / samplesPerSecond;
+        spec->endTime = static_cast<double>(end) / samplesPerSecond;
+        return spec;
+    }
+
+    TemporaryFolder folder_;
+    HeaderFiles headers_;
+    std::mt19937 random_;
+    InstalledStartOffsets installed_;
+};
+
+struct KnownClip {
+    std::string path;
+    std::unique_ptr<OpenClip> clip;
+    std::vector<std::string> shown;
+};
+
+/// Those of every coding that aren't long, whose frames ffmpeg shows all.
+std::vector<KnownClip> knownClips() {
+    std::vector<KnownClip> clips;
+    for (std::string const& path : clipsWithPictures()) {
+        if (std::filesystem::file_size(path) > mostBytes) {
+            continue;
+        }
+        KnownClip known{path, std::make_unique<OpenClip>(path), {}};
+        if (known.clip->isOpen() && known.clip->frameCount() > 1) {
+            known.shown = shownFrames(path);
+        }
+        if (!known.shown.empty() && known.shown.size() == known.clip->frameCount()) {
+            clips.push_back(std::move(known));
+        }
+    }
+    return clips;
+}
+
+TEST_F(ExtractReal, FramesOfRandomSectionsAreThoseOfTheLinearDecode) {
+    std::vector<KnownClip> const clips = knownClips();
+    ASSERT_GE(clips.size(), 20U);
+    for (int turn = 0; turn < sectionCount; ++turn) {
+        KnownClip const& known = clips[pick(clips.size() - 1)];
+        std::size_t const first = pick(known.shown.size() - 1);
+        std::size_t const count = 1 + pick(std::min<std::size_t>(mostFrames, known.shown.size() - first) - 1);
+        FileXferSpec spec;
+        spec.source = known.clip->cookie();
+        spec.destination = Cookie(Ox::UUID::generate(), 'V', 0);
+        spec.frameRate = known.clip->metadata().videoSequence.frameRate;
+        double const rate = Ox::getFramesPerSecond(spec.frameRate);
+        spec.startTime = static_cast<double>(first) / rate;
+        spec.endTime = static_cast<double>(first + count) / rate;
+        std::string const copy = extract(spec);
+        auto const begin = known.shown.begin() + static_cast<std::ptrdiff_t>(first);
+        std::vector<std::string> const expected(begin, begin + static_cast<std::ptrdiff_t>(count));
+        EXPECT_EQ(shownFrames(copy), expected) << known.path << " from " << first << ", " << count;
+        std::filesystem::remove(copy);
+    }
+}
+
+/// Those whose decoders give the same wherever they begin.
+constexpr std::array inexactCodecs{"ac3", "eac3", "mp2", "opus", "gsm", "adpcm_ima_qt", "mp3"};
+
+bool isExact(OpenSound const& sound, std::string const& path) {
+    bool isExact = path.find("noisy") == std::string::npos;
+    for (Aud::Metadata const& stream : sound.metadata().audioStreams) {
+        isExact = isExact && std::none_of(inexactCodecs.begin(), inexactCodecs.end(),
+                                          [&](char const* codec) { return stream.codec.view() == codec; });
+    }
+    return isExact;
+}
+
+std::vector<std::string> exactSoundFiles() {
+    std::vector<std::string> files = soundFiles();
+    std::vector<std::string> const waves = waveFiles();
+    files.insert(files.end(), waves.begin(), waves.end());
+    std::erase_if(files, [](std::string const& path) {
+        if (std::filesystem::file_size(path) > mostBytes) {
+            return true;
+        }
+        OpenSound const sound(path);
+        return !sound.isOpen() || sound.metadata().audioSampleCount == 0 || !isExact(sound, path);
+    });
+    return files;
+}
+
+/// One stream of a file as ffmpeg decodes it, and a channel of it.
+struct KnownChannel {
+    KnownChannel(std::string const& path, PlayFileMetadataRep const& metadata, std::uint32_t fileChannel)
+        : channel(fileChannel) {
+        std::uint32_t stream = 0;
+        while (channel >= metadata.audioStreams[stream].channels) {
+            channel -= metadata.audioStreams[stream++].channels;
+        }
+        decoded = std::make_unique<DecodedSound>(path, stream, metadata.audioStreams[stream]);
+        form = rawFormName(metadata.audioStreams[stream].sampleFormat);
+    }
+
+    std::uint32_t channel;
+    std::unique_ptr<DecodedSound> decoded;
+    std::string form;
+};
+
+TEST_F(ExtractReal, SamplesOfRandomSectionsAreThoseOfTheLinearDecode) {
+    std::vector<std::string> const files = exactSoundFiles();
+    ASSERT_GE(files.size(), 20U);
+    for (int turn = 0; turn < sectionCount; ++turn) {
+        std::string const& path = files[pick(files.size() - 1)];
+        OpenSound const sound(path);
+        auto const fileChannel = static_cast<std::uint32_t>(pick(sound.metadata().getTotalChannels() - 1));
+        KnownChannel const known(path, sound.metadata(), fileChannel);
+        std::uint64_t const first = pick(known.decoded->sampleCount() - 1);
+        std::uint64_t const left = known.decoded->sampleCount() - first;
+        auto const count =
+            static_cast<std::uint32_t>(1 + pick(std::min<std::uint64_t>(mostSamples, left) - 1));
+        std::string const copy = extract(*soundSection(path, fileChannel, first, first + count));
+        EXPECT_EQ(decodedSamples(copy, known.form), known.decoded->samples(known.channel, first, count))
+            << path << " channel " << fileChannel << " from " << first << ", " << count;
+        std::filesystem::remove(copy);
+    }
+}
+
+}  // namespace
+}  // namespace test
