@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <cstring>
 #include <limits>
 #include <utility>
@@ -22,6 +23,9 @@ namespace playfile_ffmpeg {
 namespace {
 
 using Name = LightweightString<wchar_t>;
+
+/// What is said of a file that was written and has gone with its folder.
+constexpr OxResult missingFile = iErrorService::systemErrorBase + ENOENT;
 
 Name partialNameFor(Name const& target) {
     static std::atomic<unsigned> counter{0};
@@ -136,9 +140,17 @@ OxResult SectionCopy::make(SectionPictures::eWay way, std::string& error) {
     }
     OxResult const result = writeAll(error);
     if (result == oxSuccess && !isLikeSource(error)) {
-        return oxFailure;
+        return isPartialThere(error) ? OxResult{oxFailure} : missingFile;
     }
     return result;
+}
+
+bool SectionCopy::isPartialThere(std::string& error) const {
+    bool const isThere = OS()->getFileManager().fileExists(partial_);
+    if (!isThere) {
+        error = "cannot write " + inQuotes(plan_.target) + ": " + writeProblemText(missingFile).c_str();
+    }
+    return isThere;
 }
 
 bool SectionCopy::addStreams(SectionPictures::eWay way, std::string& error) {

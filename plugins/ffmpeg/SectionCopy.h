@@ -65,6 +65,7 @@ private:
     [[nodiscard]] bool writePackets(Packets& packets, int stream, AVRational timeBase, std::string& error);
     [[nodiscard]] bool tellProgress(std::uint64_t done, std::uint64_t total) const;
     [[nodiscard]] bool isLikeSource(std::string& error) const;
+    [[nodiscard]] bool isPartialThere(std::string& error) const;
     [[nodiscard]] OxResult giveName(std::string& error);
     [[nodiscard]] OxResult failure(std::string& error) const;
     [[nodiscard]] std::uint32_t frameCount() const { return plan_.endFrame - plan_.firstFrame; }

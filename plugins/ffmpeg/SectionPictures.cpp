@@ -32,6 +32,10 @@ std::string frameText(std::uint32_t frame) {
     return "frame " + std::to_string(frame);
 }
 
+std::string undecodable(std::uint32_t frame) {
+    return frameText(frame) + " can't be decoded; extract a section before or behind it";
+}
+
 class CopiedPictures final : public SectionPictures {
 public:
     CopiedPictures(SectionSource& source, std::uint32_t first) : source_(source), first_(first) {}
@@ -78,7 +82,13 @@ public:
     [[nodiscard]] bool takeNext(Packets& packets, std::string& error) override {
         PicturePtr const picture = source_.file().fetch(source_.storedFrame(next_));
         if (!picture) {
-            error = frameText(next_) + " can't be decoded; extract a section before or behind it";
+            error = undecodable(next_);
+            return false;
+        }
+        if (shapeOf(*picture) != encoder_->shape()) {
+            error = frameText(next_) +
+                    " has another size or pixel format than those before it; extract what lies before it and "
+                    "what begins with it apart";
             return false;
         }
         ++next_;
@@ -95,10 +105,10 @@ private:
     std::unique_ptr<VideoEncoder> const encoder_;
 };
 
-EncoderSettings settingsFor(StreamFacts const& facts, std::string const& codec) {
+EncoderSettings settingsFor(StreamFacts const& facts, PictureShape const& shape, std::string const& codec) {
     EncoderSettings settings;
     settings.codec = codec;
-    settings.shape = {facts.width, facts.height, facts.pixelFormat};
+    settings.shape = shape;
     settings.frameRate = facts.frameRate;
     settings.sampleAspect = facts.sampleAspect;
     settings.fieldOrder = facts.fieldOrder;
@@ -107,16 +117,17 @@ EncoderSettings settingsFor(StreamFacts const& facts, std::string const& codec) 
     return settings;
 }
 
-std::unique_ptr<VideoEncoder> openLossless(StreamFacts const& facts, std::string& error) {
+std::unique_ptr<VideoEncoder> openLossless(StreamFacts const& facts, PictureShape const& shape,
+                                           std::string& error) {
     for (std::string const codec : losslessEncoders) {
-        if (codec == "rawvideo" && !isPlainInContainer(facts.pixelFormat)) {
+        if (codec == "rawvideo" && !isPlainInContainer(shape.pixelFormat)) {
             continue;
         }
-        if (auto encoder = VideoEncoder::open(settingsFor(facts, codec), error)) {
+        if (auto encoder = VideoEncoder::open(settingsFor(facts, shape, codec), error)) {
             return encoder;
         }
     }
-    char const* const name = av_get_pix_fmt_name(facts.pixelFormat);
+    char const* const name = av_get_pix_fmt_name(shape.pixelFormat);
     error = std::string("no coding without loss takes its pictures (") +
             (name != nullptr ? name : "unknown") + "); write them as images with 'playfile frames --out'";
     return nullptr;
@@ -153,7 +164,12 @@ std::unique_ptr<SectionPictures> SectionPictures::make(SectionSource& source, st
     if (way == eWay::copied) {
         return std::make_unique<CopiedPictures>(source, first);
     }
-    std::unique_ptr<VideoEncoder> encoder = openLossless(source.file().facts(), error);
+    PicturePtr const picture = source.file().fetch(source.storedFrame(first));
+    if (!picture) {
+        error = undecodable(first);
+        return nullptr;
+    }
+    std::unique_ptr<VideoEncoder> encoder = openLossless(source.file().facts(), shapeOf(*picture), error);
     return encoder ? std::make_unique<CodedPictures>(source, first, std::move(encoder)) : nullptr;
 }
 

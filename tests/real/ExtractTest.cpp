@@ -100,11 +100,14 @@ struct KnownClip {
     std::vector<std::string> shown;
 };
 
+/// A section that crosses the change is refused, which the command's tests show.
+constexpr char const* changingSize = "resolution_change";
+
 /// Those of every coding that aren't long, whose frames ffmpeg shows all.
 std::vector<KnownClip> knownClips() {
     std::vector<KnownClip> clips;
     for (std::string const& path : clipsWithPictures()) {
-        if (std::filesystem::file_size(path) > mostBytes) {
+        if (std::filesystem::file_size(path) > mostBytes || path.find(changingSize) != std::string::npos) {
             continue;
         }
         KnownClip known{path, std::make_unique<OpenClip>(path), {}};
