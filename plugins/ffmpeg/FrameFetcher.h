@@ -49,7 +49,9 @@ public:
     /// hold it. Blocks on the file.
     [[nodiscard]] bool readPacket(uint32_t frame, AVPacket& packet);
     /// True if each packet is a frame that needs no other.
-    bool isPacketPerFrame() const { return index_.isEveryPacketAKey() && index_.packetCount() == frameCount(); }
+    bool isPacketPerFrame() const {
+        return index_.isEveryPacketAKey() && index_.packetCount() == frameCount();
+    }
     AVCodecParameters const& parameters() const { return *parameters_; }
 
     /// How many pictures are kept.

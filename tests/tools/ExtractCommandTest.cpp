@@ -138,7 +138,7 @@ TEST_F(ExtractCommand, NeedsPicturesOfOneSize) {
         makeClip("large.h264", {"-frames:v", "5", "-c:v", "libx264", "-bf", "0", "-s", "320x240"});
     std::string const clip = writeFile("both.h264", contentsOf(small) + contentsOf(large));
     ASSERT_EQ(run({"extract", clip, "--from", "5", "-o", path("out/a.mov")}).exitCode, 0);
-    EXPECT_EQ(sums(path("out/a.mov"), "all"), sums(clip, "5-9"));
+    EXPECT_EQ(sums(path("out/a.mov"), "all"), sums(large, "all"));
     EXPECT_THAT(run({"extract", clip, "--from", "2", "-o", path("out/b.mov")}).err,
                 HasSubstr("frame 5 has another size or pixel format than those before it; extract"));
     EXPECT_THAT(made(), ElementsAre("a.mov", "a.sav"));
