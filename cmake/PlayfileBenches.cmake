@@ -26,5 +26,6 @@ endfunction()
 
 playfile_add_comparison(playfile_workload workload)
 playfile_add_comparison(playfile_soundbench sound)
+playfile_add_comparison(playfile_recordbench record)
 pkg_check_modules(PLAYFILE_SNDFILE REQUIRED IMPORTED_TARGET sndfile)
 target_link_libraries(playfile_soundbench PRIVATE PkgConfig::PLAYFILE_SNDFILE)

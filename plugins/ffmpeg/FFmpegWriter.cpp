@@ -51,7 +51,7 @@ FFmpegWriter::FFmpegWriter(LightweightString<wchar_t> const& name, WriterFormat 
     : FileWriteInstance(name),
       format_(std::move(format)),
       muxer_(std::move(muxer)),
-      spool_(std::make_unique<WriteSpool>(mostBytesWaiting)) {}
+      spool_(std::make_unique<WriteSpool>(mostBytesWaiting, 1)) {}
 
 FFmpegWriter::~FFmpegWriter() {
     try {

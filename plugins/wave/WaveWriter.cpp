@@ -38,6 +38,10 @@ std::uint64_t bytesPerSecond(Aud::WaveLayout const& layout) {
     return static_cast<std::uint64_t>(layout.format.sampleRate) * layout.bytesPerFrame();
 }
 
+std::uint64_t bytesWaitingOf(Aud::WaveLayout const& layout) {
+    return std::max(bytesPerSecond(layout) / waitingPerSecond, fewestBytes);
+}
+
 /// False if a file of the family can't hold such samples.
 bool makeLayout(Ox::FileWriterParams const& params, Aud::WaveLayout& layout) {
     if (params.audioMetadata.size() != 1) {
@@ -85,8 +89,7 @@ WaveWriter::WaveWriter(LightweightString<wchar_t> const& name, Aud::WaveLayout l
       file_(std::move(file)),
       dataOffset_(layout_.header(0).size()),
       bytesBetweenHeaders_(std::max(bytesPerSecond(layout_) / headersPerSecond, fewestBytes)),
-      spool_(
-          std::make_unique<WriteSpool>(std::max(bytesPerSecond(layout_) / waitingPerSecond, fewestBytes))) {
+      spool_(std::make_unique<WriteSpool>(bytesWaitingOf(layout_), bytesWaitingOf(layout_) / 2)) {
     metadata->audioStreams = {layout_.format};
     metadata->audioInfoCount = 1;
 }
@@ -157,8 +160,12 @@ OxResult WaveWriter::append(iMemHolder const& buffer) {
 }
 
 bool WaveWriter::writeAt(std::uint64_t offset, void const* bytes, std::uint64_t byteCount) {
-    return file_->setPosition(offset) &&
-           file_->write(bytes, static_cast<std::uint32_t>(byteCount)) == byteCount;
+    if (position_ != offset && !file_->setPosition(offset)) {
+        return false;
+    }
+    std::uint32_t const written = file_->write(bytes, static_cast<std::uint32_t>(byteCount));
+    position_ = offset + written;
+    return written == byteCount;
 }
 
 /// A chunk of odd length has a byte behind it, which the next samples take the place of.

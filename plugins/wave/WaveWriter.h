@@ -48,6 +48,7 @@ private:
     Ox::Ptr<iFile> file_;  ///< Empty once the file is ended.
     std::uint64_t const dataOffset_;
     std::uint64_t const bytesBetweenHeaders_;
+    std::uint64_t position_ = 0;         ///< Spool's thread: of the file.
     std::uint64_t dataBytes_ = 0;        ///< Spool's thread: that lie in the file.
     std::uint64_t statedBytes_ = 0;      ///< Spool's thread: that its header states.
     OxResult result_ = oxSuccess;        ///< Once the file is ended.

@@ -11,8 +11,8 @@
 
 /// What is on its way to a file, in its order, and the thread that writes it.
 ///
-/// Whoever hands something over waits until no more than a bound of bytes is left to write, so that little is
-/// lost if the process dies, and memory stays flat if the disk is slow. After the first failure nothing more is
+/// Whoever hands something over that exceeds a bound of bytes waits until half of them are written, so that little
+/// is lost if the process dies, and memory stays flat if the disk is slow. After the first failure nothing more is
 /// written, and everything gets that answer.
 ///
 /// Ownership  It holds what isn't written yet.
@@ -25,7 +25,8 @@ public:
     /// Told of the end of one thing, on the spool's thread; may be empty.
     using Told = std::function<void(bool isWritten)>;
 
-    explicit WriteSpool(std::uint64_t mostBytesWaiting);
+    /// @param enoughBytes  with so many the thread begins at once, with fewer after a twentieth of a second
+    WriteSpool(std::uint64_t mostBytesWaiting, std::uint64_t enoughBytes);
     /// Waits until all is written.
     ~WriteSpool();
     WriteSpool(WriteSpool const&) = delete;
@@ -48,14 +49,19 @@ private:
     };
 
     void work();
+    void rest(std::unique_lock<std::mutex>& scope);
     [[nodiscard]] OxResult finish(Entry& entry, OxResult before);
 
     std::uint64_t const mostBytesWaiting_;
+    std::uint64_t const enoughBytes_;
     mutable std::mutex lock_;
-    std::condition_variable changed_;
+    std::condition_variable hasWork_;
+    std::condition_variable hasRoom_;
     std::deque<Entry> entries_;       ///< Under the lock; the first one is being written.
     std::uint64_t bytesWaiting_ = 0;  ///< Under the lock.
     OxResult result_ = oxSuccess;     ///< Under the lock.
     bool isEnding_ = false;           ///< Under the lock.
+    bool isWaitedFor_ = false;        ///< Under the lock: somebody waits until all is written.
+    bool isResting_ = false;          ///< Under the lock: nothing is there for the thread to do.
     std::thread thread_;
 };
