@@ -35,6 +35,14 @@ bool isFolder(int descriptor) {
     return fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+/// A file that has nothing in it is let be: file systems put a file that was emptied on the disk when it is
+/// closed, and whoever closes it would wait for that.
+bool makeEmpty(int descriptor) {
+    struct stat status {};
+    bool const isEmpty = fstat(descriptor, &status) == 0 && status.st_size == 0;
+    return isEmpty || ftruncate(descriptor, 0) == 0;
+}
+
 /// False if somebody has the file open in a way that doesn't go with `share`. A file system without
 /// such locks lets everybody in.
 bool mayBeShared(int descriptor, std::uint32_t share) {
@@ -74,7 +82,7 @@ Ox::Ptr<iFile> PosixFile::open(char const* path, std::uint32_t access, std::uint
         return {};
     }
     bool const isEmptied = behaviour == iFile::createAlways && (access & iFile::writeAccess) != 0;
-    if (!mayBeShared(descriptor.get(), share) || (isEmptied && ftruncate(descriptor.get(), 0) != 0)) {
+    if (!mayBeShared(descriptor.get(), share) || (isEmptied && !makeEmpty(descriptor.get()))) {
         keepSystemError();
         return {};
     }

@@ -18,8 +18,9 @@
 namespace playfile_wave {
 namespace {
 
-constexpr std::uint64_t headersPerSecond = 4;
-constexpr std::uint64_t waitingPerSecond = 2;
+/// Of a second of sound, at most so much waits to be written and stated. A quarter is left for the buffer that the
+/// recorder itself fills.
+constexpr double secondsWaiting = 0.75;
 constexpr std::uint64_t fewestBytes = 4096;
 /// Most that is written before the header may have to count it.
 constexpr std::uint64_t mostBytesAtOnce = 1 << 20;
@@ -34,12 +35,9 @@ OxResult refuse(LightweightString<wchar_t> const& name, OxResult error) {
     return refuse(name, writeProblemText(error).c_str(), error);
 }
 
-std::uint64_t bytesPerSecond(Aud::WaveLayout const& layout) {
-    return static_cast<std::uint64_t>(layout.format.sampleRate) * layout.bytesPerFrame();
-}
-
 std::uint64_t bytesWaitingOf(Aud::WaveLayout const& layout) {
-    return std::max(bytesPerSecond(layout) / waitingPerSecond, fewestBytes);
+    double const bytesPerSecond = layout.format.sampleRate * layout.bytesPerFrame();
+    return std::max(static_cast<std::uint64_t>(bytesPerSecond * secondsWaiting), fewestBytes);
 }
 
 /// False if a file of the family can't hold such samples.
@@ -88,8 +86,9 @@ WaveWriter::WaveWriter(LightweightString<wchar_t> const& name, Aud::WaveLayout l
       layout_(std::move(layout)),
       file_(std::move(file)),
       dataOffset_(layout_.header(0).size()),
-      bytesBetweenHeaders_(std::max(bytesPerSecond(layout_) / headersPerSecond, fewestBytes)),
-      spool_(std::make_unique<WriteSpool>(bytesWaitingOf(layout_), bytesWaitingOf(layout_) / 2)) {
+      bytesBetweenHeaders_(bytesWaitingOf(layout_) / 2),
+      spool_(std::make_unique<WriteSpool>(bytesWaitingOf(layout_), bytesBetweenHeaders_,
+                                          [this] { return settle(); })) {
     metadata->audioStreams = {layout_.format};
     metadata->audioInfoCount = 1;
 }
@@ -102,12 +101,6 @@ std::uint32_t WaveWriter::finish() {
     if (spool_) {
         result_ = spool_->waitUntilWritten();
         spool_ = nullptr;
-        // What a failure has left is stated, too, where that can be done.
-        bool const isStated = statedBytes_ == dataBytes_ || stateLength();
-        if (!isStated && result_ == oxSuccess) {
-            result_ = lastWriteError();
-            reportWriteError(result_);
-        }
         file_ = nullptr;
     }
     return result_;
@@ -143,20 +136,30 @@ OxResult WaveWriter::append(iMemHolder const& buffer) {
     while (left != 0) {
         std::uint64_t const part = std::min({left, bytesBetweenHeaders_, mostBytesAtOnce});
         if (!writeAt(dataOffset_ + dataBytes_, bytes, part)) {
-            OxResult const error = lastWriteError();
-            reportWriteError(error);
-            return error;
+            return fail();
         }
         dataBytes_ += part;
         bytes += part;
         left -= part;
         if (dataBytes_ - statedBytes_ >= bytesBetweenHeaders_ && !stateLength()) {
-            OxResult const error = lastWriteError();
-            reportWriteError(error);
-            return error;
+            return fail();
         }
     }
     return oxSuccess;
+}
+
+/// What a failure has left is stated, too, where that can be done.
+OxResult WaveWriter::settle() {
+    return statedBytes_ == dataBytes_ || stateLength() ? oxSuccess : fail();
+}
+
+OxResult WaveWriter::fail() {
+    OxResult const error = lastWriteError();
+    if (!hasFailed_) {
+        hasFailed_ = true;
+        reportWriteError(error);
+    }
+    return error;
 }
 
 bool WaveWriter::writeAt(std::uint64_t offset, void const* bytes, std::uint64_t byteCount) {

@@ -12,8 +12,8 @@ namespace playfile_wave {
 
 /// A WAVE file that is being written, RIFF up to 4 GiB and RF64 above.
 ///
-/// Its header states what has been written every quarter of a second of sound, and no more than half a second
-/// waits to be written: whatever becomes of the process, all but the last second can be played.
+/// No more than three quarters of a second of sound wait to be written and to be stated by the header: whatever
+/// becomes of the process, all but the last second can be played.
 ///
 /// Threads  One at a time writes; the bytes go to the file on a thread of its own.
 /// Errors   After a failure, which is logged with the file's name, nothing more is taken; what was written
@@ -40,6 +40,8 @@ public:
 
 private:
     [[nodiscard]] OxResult append(iMemHolder const& buffer);
+    [[nodiscard]] OxResult settle();
+    [[nodiscard]] OxResult fail();
     [[nodiscard]] bool writeAt(std::uint64_t offset, void const* bytes, std::uint64_t byteCount);
     [[nodiscard]] bool stateLength();
     [[nodiscard]] bool writeHeader();
@@ -47,12 +49,13 @@ private:
     Aud::WaveLayout const layout_;
     Ox::Ptr<iFile> file_;  ///< Empty once the file is ended.
     std::uint64_t const dataOffset_;
-    std::uint64_t const bytesBetweenHeaders_;
-    std::uint64_t position_ = 0;         ///< Spool's thread: of the file.
-    std::uint64_t dataBytes_ = 0;        ///< Spool's thread: that lie in the file.
-    std::uint64_t statedBytes_ = 0;      ///< Spool's thread: that its header states.
-    OxResult result_ = oxSuccess;        ///< Once the file is ended.
-    std::unique_ptr<WriteSpool> spool_;  ///< Empty once the file is ended.
+    std::uint64_t const bytesBetweenHeaders_;  ///< At most.
+    std::uint64_t position_ = 0;               ///< Spool's thread: of the file.
+    std::uint64_t dataBytes_ = 0;              ///< Spool's thread: that lie in the file.
+    std::uint64_t statedBytes_ = 0;            ///< Spool's thread: that its header states.
+    bool hasFailed_ = false;                   ///< Spool's thread.
+    OxResult result_ = oxSuccess;              ///< Once the file is ended.
+    std::unique_ptr<WriteSpool> spool_;        ///< Empty once the file is ended.
 };
 
 }  // namespace playfile_wave

@@ -102,7 +102,7 @@ TEST_F(WriteWave, CanBeReadUpToTheLastSecondWhileItIsWritten) {
     EXPECT_GE(sampleCount(), (seconds - 1) * shape_.rate);
 }
 
-TEST_F(WriteWave, WaitsUntilHalfASecondAtMostIsLeftToWrite) {
+TEST_F(WriteWave, HoldsBackWhoHandsOverSecondsOfSound) {
     ASSERT_EQ(create(params()), 1U);
     ASSERT_EQ(write(0, 10 * shape_.rate), 1U);
     EXPECT_EQ(file_->getWriteBacklog(), 0U);

@@ -112,5 +112,74 @@ TEST_F(WriteSpoolTest, WritesNothingMoreAfterAFailure) {
     EXPECT_EQ(bad_, 2);
 }
 
+class SettledSpoolTest : public WriteSpoolTest {
+protected:
+    SettledSpoolTest() {
+        spool_.emplace(100, 10, [this] {
+            settledAfter_.push_back(written_.size());
+            leftAtSettling_ = spool_->backlog();
+            toldAtSettling_ = good_ + bad_;
+            return settles_.load();
+        });
+    }
+    ~SettledSpoolTest() override { spool_.reset(); }
+
+    /// Puts things while the thread is held up, so that it finds all of them when it comes back.
+    void putTogether(std::vector<std::uint64_t> const& byteCounts) {
+        putAtGate(10);
+        hasCome_.acquire();
+        for (std::uint64_t const byteCount : byteCounts) {
+            EXPECT_EQ(put(1, byteCount), oxSuccess);
+        }
+        gate_.release();
+    }
+
+    std::vector<std::size_t> settledAfter_;
+    std::atomic<OxResult> settles_{oxSuccess};
+    std::uint64_t leftAtSettling_ = 0;
+    int toldAtSettling_ = 0;
+};
+
+TEST_F(SettledSpoolTest, SettlesOnceForSoManyBytes) {
+    putTogether({4, 4, 4, 4, 4});
+    EXPECT_EQ(spool_->waitUntilWritten(), oxSuccess);
+    EXPECT_EQ(settledAfter_, (std::vector<std::size_t>{0, 3, 5}));
+}
+
+TEST_F(SettledSpoolTest, CountsAndTellsOfARunOnlyWhenItIsSettled) {
+    putTogether({5, 5});
+    EXPECT_EQ(spool_->waitUntilWritten(), oxSuccess);
+    EXPECT_EQ(leftAtSettling_, 2U);
+    EXPECT_EQ(toldAtSettling_, 0);
+    EXPECT_EQ(good_, 2);
+}
+
+TEST_F(SettledSpoolTest, LosesARunThatCantBeSettled) {
+    settles_ = oxInterrupted;
+    EXPECT_EQ(put(1), oxSuccess);
+    EXPECT_EQ(spool_->waitUntilWritten(), oxInterrupted);
+    EXPECT_EQ(put(2), oxInterrupted);
+    EXPECT_EQ(good_, 0);
+    EXPECT_EQ(bad_, 1);
+}
+
+TEST_F(SettledSpoolTest, SettlesWhatWasWrittenBeforeAFailure) {
+    put(1, 1);
+    put(2, 10, oxInterrupted);
+    EXPECT_EQ(spool_->waitUntilWritten(), oxInterrupted);
+    EXPECT_EQ(settledAfter_.back(), 2U);
+    EXPECT_EQ(good_, 1);
+    EXPECT_EQ(bad_, 1);
+}
+
+TEST_F(SettledSpoolTest, SettlesNothingMoreAfterAFailure) {
+    put(1, 10, oxInterrupted);
+    EXPECT_EQ(spool_->waitUntilWritten(), oxInterrupted);
+    std::size_t const settled = settledAfter_.size();
+    EXPECT_EQ(put(2), oxInterrupted);
+    spool_.reset();
+    EXPECT_EQ(settledAfter_.size(), settled);
+}
+
 }  // namespace
 }  // namespace test

@@ -15,8 +15,11 @@ constexpr std::chrono::milliseconds longestRest{50};
 
 }  // namespace
 
-WriteSpool::WriteSpool(std::uint64_t mostBytesWaiting, std::uint64_t enoughBytes)
-    : mostBytesWaiting_(mostBytesWaiting), enoughBytes_(enoughBytes), thread_([this] { work(); }) {}
+WriteSpool::WriteSpool(std::uint64_t mostBytesWaiting, std::uint64_t enoughBytes, Write settle)
+    : mostBytesWaiting_(mostBytesWaiting),
+      enoughBytes_(enoughBytes),
+      settle_(std::move(settle)),
+      thread_([this] { work(); }) {}
 
 WriteSpool::~WriteSpool() {
     {
@@ -45,14 +48,14 @@ OxResult WriteSpool::put(std::uint64_t byteCount, Write write, Told told) {
 
 std::uint64_t WriteSpool::backlog() const {
     std::lock_guard const scope(lock_);
-    return entries_.size();
+    return entries_.size() + runCount_;
 }
 
 OxResult WriteSpool::waitUntilWritten() {
     std::unique_lock scope(lock_);
     isWaitedFor_ = true;
     hasWork_.notify_one();
-    hasRoom_.wait(scope, [this] { return entries_.empty(); });
+    hasRoom_.wait(scope, [this] { return entries_.empty() && runCount_ == 0; });
     isWaitedFor_ = false;
     return result_;
 }
@@ -69,17 +72,15 @@ void WriteSpool::work() {
             }
             continue;
         }
-        Entry& entry = entries_.front();
+        std::uint64_t const byteCount = takeRun();
         OxResult const before = result_;
         scope.unlock();
-        OxResult const result = finish(entry, before);
+        OxResult const result = writeRun(before);
         scope.lock();
-        if (result_ == oxSuccess) {
-            result_ = result;
-        }
+        result_ = result;
         bool const wasHalfFull = bytesWaiting_ > mostBytesWaiting_ / 2;
-        bytesWaiting_ -= entry.byteCount;
-        entries_.pop_front();
+        bytesWaiting_ -= byteCount;
+        runCount_ = 0;
         bool const isHalfFull = bytesWaiting_ > mostBytesWaiting_ / 2;
         if (wasHalfFull != isHalfFull || entries_.empty()) {
             hasRoom_.notify_all();
@@ -96,12 +97,37 @@ void WriteSpool::rest(std::unique_lock<std::mutex>& scope) {
     isResting_ = false;
 }
 
-/// What the entry held is let go of, and the receiver told, before it counts as gone.
-OxResult WriteSpool::finish(Entry& entry, OxResult before) {
-    OxResult const result = before == oxSuccess ? entry.write() : before;
-    entry.write = nullptr;
-    if (entry.told) {
-        entry.told(result == oxSuccess);
+/// Under the lock: how many bytes the run holds.
+std::uint64_t WriteSpool::takeRun() {
+    std::uint64_t byteCount = 0;
+    do {
+        byteCount += entries_.front().byteCount;
+        run_.push_back(std::move(entries_.front()));
+        entries_.pop_front();
+    } while (!entries_.empty() && byteCount < enoughBytes_);
+    runCount_ = run_.size();
+    return byteCount;
+}
+
+/// What the run held is let go of, and the receivers told, before it counts as gone.
+OxResult WriteSpool::writeRun(OxResult before) {
+    OxResult result = before;
+    std::size_t written = 0;
+    while (written < run_.size() && result == oxSuccess) {
+        result = run_[written].write();
+        written += result == oxSuccess ? 1 : 0;
     }
+    if (OxResult const settled = settle_ && before == oxSuccess ? settle_() : oxSuccess;
+        settled != oxSuccess && result == oxSuccess) {
+        result = settled;
+        written = 0;
+    }
+    for (std::size_t i = 0; i < run_.size(); ++i) {
+        run_[i].write = nullptr;
+        if (run_[i].told) {
+            run_[i].told(i < written);
+        }
+    }
+    run_.clear();
     return result;
 }
