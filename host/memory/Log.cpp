@@ -78,6 +78,10 @@ void LogBoth(char const* format, ...) {
     va_end(arguments);
 }
 
+void LogStringW(LightweightString<wchar_t> const& text) {
+    LogBoth("%ls", text.c_str());
+}
+
 void Log(char const* format, ...) {
     va_list arguments;
     va_start(arguments, format);

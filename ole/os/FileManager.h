@@ -36,6 +36,15 @@ public:
     [[nodiscard]] virtual std::uint32_t getBlockSize() const = 0;
 };
 
+/// A place on other machines that holds files, as far as names are concerned.
+class iRemoteStore {
+public:
+    virtual ~iRemoteStore() = default;
+    /// How people call what lies under `name`.
+    [[nodiscard]] virtual LightweightString<wchar_t> getDisplayName(
+        LightweightString<wchar_t> const& name) = 0;
+};
+
 /// Every file operation of the library goes through this interface.
 ///
 /// Threads  Any. All operations may block for as long as the file system does.
@@ -108,6 +117,10 @@ public:
     /// The name made fit for display: path and extension kept, control characters replaced.
     [[nodiscard]] virtual LightweightString<wchar_t> getDisplayFilename(
         LightweightString<wchar_t> const& name) = 0;
+    /// Who serves a remote name; null if nobody does. It isn't owned, and lives as long as the process.
+    [[nodiscard]] virtual iRemoteStore* findRemoteStore(LightweightString<wchar_t> const& /*name*/) {
+        return nullptr;
+    }
 };
 
 /// Puts `manager` in force for the whole process, null for the host's own, and gives back the one

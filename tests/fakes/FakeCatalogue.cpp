@@ -16,13 +16,30 @@ public:
     void getChans(Vector<int>& channels, std::uint32_t kind, std::uint32_t) const override {
         channels.assign(kind == Edit::videoChannels ? videoChannels : audioChannels, 0);
     }
-    [[nodiscard]] CookieVec getReferences(std::uint32_t) const override { return references; }
+    [[nodiscard]] CookieVec getReferences(std::uint32_t kind) const override {
+        auto const found = referencesOfKind.find(kind);
+        return found == referencesOfKind.end() ? references : found->second;
+    }
+    [[nodiscard]] std::uint32_t getLogType() const override { return facts.logType; }
+    [[nodiscard]] LightweightString<wchar_t> getName() const override { return wide(facts.name); }
+    [[nodiscard]] bool isImage() const override { return facts.isImage; }
+    [[nodiscard]] bool isEmpty(ExtentType type) const override {
+        return type == Editable::mediaExtent && facts.isEmpty;
+    }
+    [[nodiscard]] LightweightString<char> getAttrib(LightweightString<char> const& name) const override {
+        return name.view() == "chans" ? LightweightString<char>(facts.channels) : LightweightString<char>();
+    }
+    [[nodiscard]] EditItem getItemAt(IdStamp const& channel, double seconds) const override {
+        return channel == IdStamp(7) && seconds == 1.5 ? facts.item : EditItem();
+    }
 
     bool wantsAudio = false;
     Aud::SampleRate audioRate;
     std::size_t videoChannels = 0;
     std::size_t audioChannels = 0;
     CookieVec references;
+    std::map<std::uint32_t, CookieVec> referencesOfKind;
+    FakeCatalogue::ClipFacts facts;
 
 private:
     Cookie const cookie_;
@@ -118,6 +135,20 @@ void FakeCatalogue::setReferences(Cookie const& cookie, std::vector<Cookie> cons
     for (Cookie const& reference : references) {
         edits_.at(textOf(cookie))->references.add(reference);
     }
+}
+
+void FakeCatalogue::setReferences(Cookie const& cookie, std::uint32_t kind,
+                                  std::vector<Cookie> const& references) {
+    std::lock_guard const scope(lock_);
+    CookieVec& listed = edits_.at(textOf(cookie))->referencesOfKind[kind];
+    for (Cookie const& reference : references) {
+        listed.add(reference);
+    }
+}
+
+void FakeCatalogue::setFacts(Cookie const& cookie, ClipFacts const& facts) {
+    std::lock_guard const scope(lock_);
+    edits_.at(textOf(cookie))->facts = facts;
 }
 
 void FakeCatalogue::addEntry(Cookie const& cookie, MediaFileInfo const& original,

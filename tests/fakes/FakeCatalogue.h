@@ -50,6 +50,20 @@ public:
     /// Makes a clip want to know what its sound is. What it is told is recorded as "edit.setAudioMetadata"
     /// with the number of streams.
     void wantAudioMetadata(Cookie const& cookie);
+    /// What else there is to be known of a clip.
+    struct ClipFacts {
+        std::uint32_t logType = logShot;
+        std::string name = {};
+        bool isImage = false;
+        bool isEmpty = false;
+        /// The attribute "chans".
+        std::string channels = {};
+        /// What lies in channel 7 at second 1.5, and nowhere else.
+        EditItem item = {};
+    };
+    void setFacts(Cookie const& cookie, ClipFacts const& facts);
+    /// Says what a clip refers to, of one kind.
+    void setReferences(Cookie const& cookie, std::uint32_t kind, std::vector<Cookie> const& references);
     /// Says at which rate a clip's sound was recorded.
     void setAudioRate(Cookie const& cookie, Aud::SampleRate rate);
     void modified(Edit& edit, LightweightString<char> const& description) override;

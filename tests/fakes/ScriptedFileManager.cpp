@@ -29,6 +29,14 @@ ScriptedFileManager::~ScriptedFileManager() {
     installFileManager(old_);
 }
 
+bool ScriptedFileManager::isRemote(LightweightString<wchar_t> const& path) {
+    if (remotePrefix.empty()) {
+        return false;
+    }
+    calls_->add("fm.isRemote " + narrow(path));
+    return narrow(path).starts_with(remotePrefix);
+}
+
 bool ScriptedFileManager::fileExists(LightweightString<wchar_t> const& path) {
     std::string const name = narrow(path);
     calls_->add("fm.exists " + name);

@@ -34,6 +34,10 @@ public:
     std::uint64_t fileSize = 0;
     /// Renamings that succeed before the others fail.
     int renamesAtMost = 1000;
+    /// What names in remote places begin with; empty: no name is remote.
+    std::string remotePrefix;
+    /// Who serves them.
+    iRemoteStore* remoteStore = nullptr;
     /// Makes the mounted name of a name; as it comes: the same.
     std::function<std::string(std::string)> mount = [](std::string name) { return name; };
     /// Makes the display form of a name; as it comes: the same.
@@ -55,7 +59,9 @@ public:
         return deletes;
     }
     bool fileExists(LightweightString<wchar_t> const& path) override;
-    bool isRemote(LightweightString<wchar_t> const&) override { return false; }
+    /// Recorded as "fm.isRemote name" where a test has names of remote places.
+    bool isRemote(LightweightString<wchar_t> const& path) override;
+    iRemoteStore* findRemoteStore(LightweightString<wchar_t> const&) override { return remoteStore; }
     DirectoryItem getFileInfo(LightweightString<wchar_t> const&) override { return {}; }
     bool createDirectory(LightweightString<wchar_t> const&) override { return false; }
     wchar_t getPathSeparator() const override { return L'/'; }

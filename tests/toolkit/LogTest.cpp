@@ -44,6 +44,12 @@ TEST_F(LogTest, WritesToTheConsoleAlone) {
     EXPECT_EQ((LogRecorder::Lines{"loud"}), log_.console());
 }
 
+TEST_F(LogTest, WritesAWideTextAsItStandsToConsoleAndLog) {
+    LogStringW(LightweightString<wchar_t>(L"100% %s\n"));
+    EXPECT_EQ((LogRecorder::Lines{"100% %s\n"}), log_.console());
+    EXPECT_EQ((LogRecorder::Lines{"100% %s\n"}), log_.log());
+}
+
 TEST_F(LogTest, WritesWideTextAsUtf8InTheCLocale) {
     ASSERT_STREQ("C", std::setlocale(LC_ALL, nullptr));
     Log("<%ls>", wideText);

@@ -6,6 +6,7 @@
 #include "ole/Ox/OxObject.h"
 #include "toolkit/catalogue/Cookie.h"
 #include "toolkit/catalogue/MaterialFilename.h"
+#include "toolkit/catalogue/OpenType.h"
 
 /// One media file of a clip.
 ///
@@ -25,6 +26,7 @@ public:
     static constexpr std::uint32_t kindElsewhere = 512;
     /// In `status`: the file can be read.
     static constexpr std::uint32_t available = 2;
+    static constexpr std::uint32_t missing = 0;
 
     MediaFileInfo() = default;
     /// A file at the place itself. @param byteCount  its size
@@ -57,7 +59,7 @@ public:
 
 /// What the catalogue has for one cookie: its original, which the entry itself describes, and its proxies.
 ///
-/// Threads  An entry is a picture of the catalogue at the time it was asked for: nobody changes it.
+/// Threads  An entry is a picture of the catalogue at the time it was asked for, and belongs to who asked.
 class FsysDirectoryEntry : public virtual iObject, public MediaFileInfo {
 public:
     FsysDirectoryEntry(Cookie const& cookie, MediaFileInfo const& original,
@@ -67,7 +69,17 @@ public:
     [[nodiscard]] Cookie const& getCookie() const { return cookie_; }
     [[nodiscard]] std::vector<MediaFileInfo> const& getProxyFiles() const { return proxies_; }
 
+    /// True if the original's place holds a link to where the file really is.
+    [[nodiscard]] bool isLinked() const { return kind == kindElsewhere && !physicalFilename.empty(); }
+
+    /// Looks now whether the files are there, and keeps that as the `status` of each that was asked for. May take
+    /// as long as the file system or the network does.
+    ///
+    /// @param types  originals, proxies or both
+    /// @return `available` if one of them is, else `missing`
+    virtual std::uint32_t updateStatus(eMediaTypes types);
+
 private:
     Cookie const cookie_;
-    std::vector<MediaFileInfo> const proxies_;
+    std::vector<MediaFileInfo> proxies_;
 };

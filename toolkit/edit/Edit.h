@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "ole/Ox/OxIdentified.h"
 #include "ole/Ox/OxObject.h"
 #include "toolkit/catalogue/Cookie.h"
 #include "toolkit/services/ConfigB.h"
@@ -12,10 +13,70 @@
 template <class T>
 using Vector = std::vector<T>;
 
+/// Which channels of a clip are meant: 1 video, 2 audio.
+using EditChanType = std::uint32_t;
+inline constexpr EditChanType videoChannel = 1;
+inline constexpr EditChanType audioChannel = 2;
+
+/// Which of them more exactly: 0 all.
+using EditChanSubType = std::uint32_t;
+
+/// What kind of clip an edit is.
+enum eLogType : std::uint32_t {
+    logUnknown = 0,
+    logShot = 1,        ///< a recording, or a section of one
+    logSequence = 2,    ///< cut together of others
+    logGroup = 4,       ///< others that belong together
+    logSync = 16,       ///< others that run side by side
+    logEffect = 32,     ///< made of others, or of nothing
+    logImage = 1024,    ///< a still, or numbered ones in a row
+    logImported = 2048  ///< a file that was brought in as it is
+};
+
+/// What can be cut.
+class Editable : public virtual iObject {
+public:
+    /// What of it a question is about: 1 its media.
+    using ExtentType = std::uint32_t;
+    static constexpr ExtentType mediaExtent = 1;
+
+    /// True if nothing lies in it.
+    [[nodiscard]] virtual bool isEmpty(ExtentType /*type*/) const { return false; }
+};
+
+/// A node of a clip's graph: a cut, a source, an effect.
+class EditNode : public virtual iObject {};
+
+/// An effect that takes the place of the media below it.
+class EffectInstance_opu4h5a4j : public EditNode {};
+
+/// Two neighbouring events of a channel, between which something is shown.
+class CelEventPair {
+public:
+    CelEventPair() = default;
+    explicit CelEventPair(Cookie const& strip) : strip_(strip), isValid_(true) {}
+
+    [[nodiscard]] bool valid() const { return isValid_; }
+    /// The media shown between the events.
+    [[nodiscard]] Cookie stripCookie() const { return strip_; }
+
+private:
+    Cookie strip_;
+    bool isValid_ = false;
+};
+
+/// What lies in a channel of a clip at a time.
+struct EditItem {
+    bool isThere = false;
+    /// The topmost node there; may be empty.
+    Ox::Ptr<EditNode> node;
+    CelEventPair handle;
+};
+
 /// A clip of the clip database.
 ///
 /// Threads  Any; an implementation takes its locks innermost.
-class Edit : public virtual iObject {
+class Edit : public Editable {
 public:
     /// The decode settings stored with the clip; null if it has none. The result lives as long as the
     /// edit is open.
@@ -25,14 +86,31 @@ public:
     enum eChannelKind : std::uint32_t { videoChannels = 1, audioChannels = 2 };
     /// In `getChans`: every channel.
     static constexpr std::uint32_t allChannels = 15;
-    /// In `getReferences`: the media files that the clip is made of.
+    /// In `getReferences`: the media files that the clip is made of, and edits among them.
     static constexpr std::uint32_t mediaReferences = 2;
+    /// In `getReferences`: the clips that the clip is made of, itself if it is a shot.
+    static constexpr std::uint32_t clipReferences = 3;
+    /// In `getReferences`: the media files of the clip itself, what tells most of it first.
+    static constexpr std::uint32_t ownMediaReferences = 4;
 
     /// Fills `channels` with one number for each channel of a kind.
     ///
     /// @param mask  which of them: `allChannels`
     virtual void getChans(Vector<int>& channels, std::uint32_t /*kind*/, std::uint32_t /*mask*/) const {
         channels.clear();
+    }
+    [[nodiscard]] virtual std::uint32_t getLogType() const { return logUnknown; }
+    [[nodiscard]] virtual LightweightString<wchar_t> getName() const { return {}; }
+    /// True for a still, and for numbered ones in a row.
+    [[nodiscard]] virtual bool isImage() const { return false; }
+    /// A text that is kept with the clip under a name; empty if there is none. "chans" lists the channels that are
+    /// in use: V, A1, A2, ...
+    [[nodiscard]] virtual LightweightString<char> getAttrib(LightweightString<char> const& /*name*/) const {
+        return {};
+    }
+    /// What lies in a channel at a time in seconds.
+    [[nodiscard]] virtual EditItem getItemAt(IdStamp const& /*channel*/, double /*seconds*/) const {
+        return {};
     }
     /// Its own cookie.
     [[nodiscard]] virtual Cookie getCookie() const { return {}; }

@@ -20,7 +20,9 @@ iLogSink* installLogSink(iLogSink* sink) noexcept;
 /// Formats like printf and writes to console and log. `%ls` is written as UTF-8 in any locale. A line
 /// that can't be made for want of memory is lost: nothing is thrown.
 void LogBoth(char const* format, ...) __attribute__((format(printf, 1, 2)));
-/// The same to the log alone.
+/// Writes a text as it stands to console and log.
+void LogStringW(LightweightString<wchar_t> const& text);
+/// As `LogBoth`, to the log alone.
 void Log(char const* format, ...) __attribute__((format(printf, 1, 2)));
-/// The same to the console alone.
+/// As `LogBoth`, to the console alone.
 void zorn_printf(char const* format, ...) __attribute__((format(printf, 1, 2)));

@@ -42,6 +42,14 @@ LightweightString<wchar_t> stripPath(LightweightString<wchar_t> const& path) {
     return LightweightString<wchar_t>(path.view().substr(nameStart(path.view())));
 }
 
+LightweightString<wchar_t> joinPaths(LightweightString<wchar_t> const& folder,
+                                     LightweightString<wchar_t> const& name) {
+    if (folder.empty() || folder.view().back() == separator) {
+        return folder + name;
+    }
+    return folder + LightweightString<wchar_t>(std::wstring_view(&separator, 1)) + name;
+}
+
 std::uint64_t fileSize(LightweightString<wchar_t> const& path) {
     return OS()->getFileManager().getFileSize(path);
 }

@@ -11,6 +11,11 @@
 [[nodiscard]] LightweightString<wchar_t> stripExtension(LightweightString<wchar_t> const& path);
 /// The last component.
 [[nodiscard]] LightweightString<wchar_t> stripPath(LightweightString<wchar_t> const& path);
+/// The two with one separator between them; with an empty `name` the folder with its closing separator, with
+/// an empty folder `name` alone.
+[[nodiscard]] LightweightString<wchar_t> joinPaths(LightweightString<wchar_t> const& folder,
+                                                   LightweightString<wchar_t> const& name);
+
 /// Forwards to the file manager in force.
 /// Bytes; 0 for a missing file.
 [[nodiscard]] std::uint64_t fileSize(LightweightString<wchar_t> const& path);
