@@ -198,6 +198,10 @@ std::int32_t MaterialInfo::get_start_offset(Cookie const& cookie) {
     return storeInForce().getStartOffset(cookie);
 }
 
+bool MaterialInfo::can_write_header(LightweightString<wchar_t> const& material) {
+    return storeInForce().canWriteHeader(material);
+}
+
 int MaterialInfo::write_header(Cookie const& cookie, SAV_HEADER const& header) {
     return storeInForce().writeHeader(cookie, header) ? 0 : failed;
 }

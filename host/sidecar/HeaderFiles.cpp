@@ -126,6 +126,11 @@ bool HeaderFiles::readHeader(Cookie const& cookie, SAV_HEADER& header) {
     return isThere;
 }
 
+bool HeaderFiles::canWriteHeader(Name const& material) {
+    Name const name = nameFor(material);
+    return !OS()->getFileManager().fileExists(name) || isHeader(readText(name));
+}
+
 bool HeaderFiles::writeHeader(Cookie const& cookie, SAV_HEADER const& header) {
     Name const material = materialOf(cookie);
     if (material.empty()) {
@@ -134,7 +139,7 @@ bool HeaderFiles::writeHeader(Cookie const& cookie, SAV_HEADER const& header) {
         return false;
     }
     Name const name = nameFor(material);
-    if (OS()->getFileManager().fileExists(name) && !isHeader(readText(name))) {
+    if (!canWriteHeader(material)) {
         LogBoth("The header \"%ls\" can't be written: that file holds something else; move it away\n",
                 name.c_str());
         return false;

@@ -22,6 +22,7 @@ public:
     /// The header's `start_offset`; 0 without a header.
     [[nodiscard]] std::int32_t getStartOffset(Cookie const& cookie) override;
     bool writeHeader(Cookie const& cookie, SAV_HEADER const& header) override;
+    [[nodiscard]] bool canWriteHeader(LightweightString<wchar_t> const& material) override;
     [[nodiscard]] bool readHeader(Cookie const& cookie, SAV_HEADER& header) override;
 
     /// Where the header of a material file lies.

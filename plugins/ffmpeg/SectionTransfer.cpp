@@ -162,6 +162,11 @@ private:
         if (areOneFile(path, source_->filename)) {
             return "cannot write " + shown + ": it is the source itself; choose another name";
         }
+        if (!MaterialInfo::can_write_header(path)) {
+            return "cannot write " + shown +
+                   ": the .sav beside it, where the header of the section belongs, holds something else; "
+                   "move that away or choose another name";
+        }
         return "";
     }
 

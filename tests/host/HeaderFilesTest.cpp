@@ -75,6 +75,15 @@ TEST_F(HeaderFilesTest, DoNotServeAHeaderOfTheOtherMedium) {
     EXPECT_EQ(store_.getStartOffset(cookie_), 0);
 }
 
+TEST_F(HeaderFilesTest, TellBeforehandWhetherAFileHoldsSomethingElse) {
+    auto const canWrite = [&] { return store_.canWriteHeader(fromUTF8(folder_.file("a.clip.mov").c_str())); };
+    EXPECT_TRUE(canWrite());
+    static_cast<void>(folder_.write("a.clip.sav", "header_version 6\nmedium sound\n"));
+    EXPECT_TRUE(canWrite());
+    static_cast<void>(folder_.write("a.clip.sav", "something else"));
+    EXPECT_FALSE(canWrite());
+}
+
 TEST_F(HeaderFilesTest, LeaveAFileAloneThatHoldsSomethingElse) {
     for (std::string const& contents : {std::string("$FL2@(#) SPSS DATA FILE"), std::string(100'000, 'x')}) {
         static_cast<void>(folder_.write("a.clip.sav", contents));

@@ -245,6 +245,16 @@ TEST_F(ExtractCommand, WithoutRoomForItsHeaderLeavesNoMaterial) {
     EXPECT_THAT(made(), ElementsAre("a.sav"));
 }
 
+TEST_F(ExtractCommand, WithoutRoomForItsHeaderKeepsTheFileThatWasThere) {
+    static_cast<void>(writeFile("out/a.sav", "something else\n"));
+    static_cast<void>(writeFile("out/a.mov", "old\n"));
+    Ended const ended = run({"extract", makeH264Clip(), "-o", path("out/a.mov")});
+    EXPECT_EQ(ended.exitCode, 1);
+    EXPECT_THAT(ended.err, HasSubstr("holds something else; move that away"));
+    EXPECT_EQ(contentsOf(path("out/a.mov")), "old\n");
+    EXPECT_EQ(contentsOf(path("out/a.sav")), "something else\n");
+}
+
 TEST_F(ExtractCommand, StoppedAnywhereLeavesNothing) {
     std::string const clip = makeLongClip();
     for (std::uintmax_t const byteCount : {0U, 1U << 20, 5U << 20}) {

@@ -20,6 +20,10 @@ public:
         [[nodiscard]] virtual std::int32_t getStartOffset(Cookie const& cookie) = 0;
         /// Stores the header of a piece of material, in place of the one before; false on failure.
         virtual bool writeHeader(Cookie const& /*cookie*/, SAV_HEADER const& /*header*/) { return false; }
+        /// False if the header of a material file of that name would take the place of something that is none.
+        [[nodiscard]] virtual bool canWriteHeader(LightweightString<wchar_t> const& /*material*/) {
+            return true;
+        }
         /// False, and the header untouched, if there is none.
         [[nodiscard]] virtual bool readHeader(Cookie const& /*cookie*/, SAV_HEADER& /*header*/) {
             return false;
@@ -33,6 +37,8 @@ public:
 
     /// Stores a header; `failed` on failure, else 0.
     [[nodiscard]] static int write_header(Cookie const& cookie, SAV_HEADER const& header);
+    /// See `iStore::canWriteHeader`.
+    [[nodiscard]] static bool can_write_header(LightweightString<wchar_t> const& material);
     /// See `iStore::readHeader`.
     [[nodiscard]] static bool read_header(Cookie const& cookie, SAV_HEADER& header);
 
