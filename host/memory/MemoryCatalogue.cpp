@@ -3,7 +3,7 @@
 #include <atomic>
 
 #include "ole/os/Immortal.h"
-#include "ole/os/OS.h"
+#include "toolkit/catalogue/OwnFiles.h"
 
 namespace {
 
@@ -22,13 +22,6 @@ bool isSameTypeOfClip(Cookie const& a, Cookie const& b) {
 template <class Files>
 Ox::Ptr<FsysDirectoryEntry> entryOf(Cookie const& cookie, Files const& files) {
     return Ox::makePtr<FsysDirectoryEntry>(cookie, files.original.value_or(MediaFileInfo()), files.proxies);
-}
-
-/// Deletes what lies at the file's own place; false if it is still there.
-bool deleteOwnFile(MediaFileInfo const& file) {
-    LightweightString<wchar_t> const path = file.getLinkFileName();
-    iFileManager& files = OS()->getFileManager();
-    return path.empty() || !files.fileExists(path) || files.deleteFile(path);
 }
 
 }  // namespace
@@ -117,13 +110,7 @@ OxResult MemoryCatalogue::removeFile(Cookie const& cookie, eMediaTypes types, bo
             entries_.erase(found);
         }
     }
-    OxResult result = oxSuccess;
-    for (MediaFileInfo const& file : removed) {
-        if (!deleteOwnFile(file)) {
-            result = OS()->getErrors().getLastError();
-        }
-    }
-    return result;
+    return deleteOwnFiles(removed);
 }
 
 std::int32_t MemoryCatalogue::getStartOffset(Cookie const& cookie) {

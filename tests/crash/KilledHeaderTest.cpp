@@ -5,12 +5,12 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <iostream>
 #include <random>
 #include <thread>
 
 #include "host/sidecar/HeaderFiles.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/PrintedSeed.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace test {
@@ -22,14 +22,6 @@ constexpr int longestDelayUs = 1000;
 
 class KilledHeader : public testing::Test {
 protected:
-    KilledHeader() {
-        char const* const wanted = std::getenv("PLAYFILE_TEST_SEED");
-        unsigned const seed =
-            wanted ? static_cast<unsigned>(std::strtoul(wanted, nullptr, 10)) : std::random_device()();
-        std::cout << "PLAYFILE_TEST_SEED=" << seed << std::endl;
-        random_.seed(seed);
-    }
-
     /// Lets a process write for a while and kills it; the number of the last header that it is known to have
     /// written.
     int killWriter() {
@@ -45,7 +37,7 @@ protected:
     int pick(int most) { return std::uniform_int_distribution<int>(0, most)(random_); }
 
     TemporaryFolder folder_;
-    std::mt19937 random_;
+    std::mt19937 random_ = randomWithPrintedSeed();
 };
 
 TEST_F(KilledHeader, IsTheOldOrTheNewOneWholeWhenever) {

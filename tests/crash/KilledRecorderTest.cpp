@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <iostream>
 #include <random>
 #include <sstream>
 #include <thread>
@@ -14,6 +13,7 @@
 #include "files/FileReadInstance.h"
 #include "files/PlayFileCache.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/PrintedSeed.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/WaveMaker.h"
 #include "toolkit/plugins/Plugin.h"
@@ -27,14 +27,7 @@ constexpr test::wave::Shape shape{1, Aud::sampleS24, 48000};
 
 class KilledRecorder : public testing::Test {
 protected:
-    KilledRecorder() {
-        char const* const wanted = std::getenv("PLAYFILE_TEST_SEED");
-        unsigned const seed =
-            wanted ? static_cast<unsigned>(std::strtoul(wanted, nullptr, 10)) : std::random_device()();
-        std::cout << "PLAYFILE_TEST_SEED=" << seed << std::endl;
-        numbers_.seed(seed);
-        loadPlugins(fromUTF8(PLAYFILE_BUILD_PLUGIN_DIR));
-    }
+    KilledRecorder() { loadPlugins(fromUTF8(PLAYFILE_BUILD_PLUGIN_DIR)); }
 
     int pick(int most) { return std::uniform_int_distribution<int>(0, most)(numbers_); }
 
@@ -69,7 +62,7 @@ protected:
     }
 
     test::TemporaryFolder folder_;
-    std::mt19937 numbers_;
+    std::mt19937 numbers_ = test::randomWithPrintedSeed();
     std::string path_;
     std::uint64_t takenSamples_ = 0;
 };

@@ -6,12 +6,11 @@
 
 #include <array>
 #include <chrono>
-#include <cstdlib>
-#include <iostream>
 #include <random>
 #include <thread>
 
 #include "tests/crash/CrashFixture.h"
+#include "tests/support/PrintedSeed.h"
 
 namespace {
 
@@ -24,14 +23,6 @@ constexpr char const* forEver = "1000000000";
 
 class RandomKill : public test::CrashFixture {
 protected:
-    RandomKill() {
-        char const* const wanted = std::getenv("PLAYFILE_TEST_SEED");
-        unsigned const seed =
-            wanted ? static_cast<unsigned>(std::strtoul(wanted, nullptr, 10)) : std::random_device()();
-        std::cout << "PLAYFILE_TEST_SEED=" << seed << std::endl;
-        numbers.seed(seed);
-    }
-
     int pick(int most) { return std::uniform_int_distribution<int>(0, most)(numbers); }
 
     /// Lets a process work for a while, kills it, and gives the last thing that it said.
@@ -45,7 +36,7 @@ protected:
         return lines.empty() ? "" : lines.back();
     }
 
-    std::mt19937 numbers;
+    std::mt19937 numbers = test::randomWithPrintedSeed();
 };
 
 /// What must hold when a process was killed after these words: a file that a reader is inside of is marked;
