@@ -215,6 +215,13 @@ protected:
             "cat report; cat problems >&2; exit $code\n";
         return runOther({"unshare", "--mount", "sh", "-c", script});
     }
+
+    /// Lines of the shell: the recorder is held as soon as there is the header of its first file, which comes
+    /// before the samples, until `event` is over.
+    [[nodiscard]] static std::string onceItRecords(std::string const& event) {
+        return "while [ ! -s drive/new/Sound/*.sav ]; do :; done\nkill -STOP $recorder\n" + event +
+               "\nkill -CONT $recorder";
+    }
 };
 
 TEST_F(RecordOnADrive, TellsOfAFullDiskAndKeepsTheSamplesBefore) {
@@ -246,16 +253,16 @@ TEST_F(RecordOnADrive, TellsOfADriveThatMayNotBeWritten) {
 }
 
 TEST_F(RecordOnADrive, TellsOfADriveThatHasGoneWhileItRecorded) {
-    Ended const ended = recordOnDrive("--seconds 100 --video none --tones 1 --bits 16",
-                                      "while [ ! -s drive/new/Sound/*.wav ]; do :; done\numount -l drive");
+    Ended const ended =
+        recordOnDrive("--seconds 100 --video none --tones 1 --bits 16", onceItRecords("umount -l drive"));
     EXPECT_EQ(ended.exitCode, 1);
     EXPECT_THAT(ended.err, HasSubstr("nothing is left of "));
     EXPECT_THAT(json::parse(ended.out)["files"], IsEmpty());
 }
 
 TEST_F(RecordOnADrive, TellsOfAFolderThatHasGoneWhileItRecorded) {
-    Ended const ended = recordOnDrive("--seconds 5 --video none --tones 1 --bits 16",
-                                      "while [ ! -s drive/new/Sound/*.wav ]; do :; done\nrm -r drive/new");
+    Ended const ended =
+        recordOnDrive("--seconds 20 --video none --tones 1 --bits 16", onceItRecords("rm -r drive/new"));
     EXPECT_EQ(ended.exitCode, 1);
     EXPECT_THAT(ended.err, HasSubstr("nothing is left of "));
     EXPECT_THAT(json::parse(ended.out)["files"], IsEmpty());
