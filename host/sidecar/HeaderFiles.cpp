@@ -12,6 +12,7 @@
 #include "toolkit/catalogue/SystemCache.h"
 #include "toolkit/services/Log.h"
 #include "toolkit/services/Paths.h"
+#include "toolkit/services/WriteProblem.h"
 
 namespace {
 
@@ -75,10 +76,9 @@ bool writeWhole(Name const& name, char const* text, std::uint32_t byteCount) {
     if (writeText(partial, text, byteCount) && files.renameFile(partial, name, true)) {
         return true;
     }
-    OxResult const error = OS()->getErrors().getLastError();
+    OxResult const error = lastWriteError();
     files.deleteFile(partial);
-    LogBoth("The header \"%ls\" can't be written (error %u): make room or allow writing in its folder\n",
-            name.c_str(), static_cast<unsigned>(error));
+    LogBoth("The header \"%ls\" can't be written: %s\n", name.c_str(), writeProblemText(error).c_str());
     return false;
 }
 
