@@ -123,6 +123,9 @@ OxResult SectionCopy::run(std::string& error) {
     if (result == oxFailure) {
         result = make(eWay::coded, error);
     }
+    if (result == oxSuccess && !tellProgress(1, 1)) {
+        return oxInterrupted;
+    }
     return result == oxSuccess ? giveName(error) : result;
 }
 

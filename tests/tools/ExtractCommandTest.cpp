@@ -72,12 +72,31 @@ protected:
             std::error_code error;
             auto const folder = std::filesystem::directory_iterator(path("out"));
             return std::any_of(begin(folder), end(folder), [&](auto const& entry) {
-                return entry.path().extension() == ".partial" &&
-                       std::filesystem::file_size(entry.path(), error) >= byteCount;
+                return entry.path().extension() == ".mov" ||
+                       (entry.path().extension() == ".partial" &&
+                        std::filesystem::file_size(entry.path(), error) >= byteCount);
             });
         };
         while (!isThere()) {
         }
+    }
+    /// Asks an extraction to stop once it has written so much; its exit code. One that was over before the
+    /// signal reached it on a busy machine says nothing, so that another is begun.
+    [[nodiscard]] int stopOnceThereAre(std::uintmax_t byteCount, std::string const& clip) const {
+        constexpr int mostAttempts = 5;
+        int exitCode = 0;
+        for (int attempt = 0; attempt < mostAttempts && exitCode == 0; ++attempt) {
+            std::filesystem::remove_all(path("out"));
+            std::filesystem::create_directory(path("out"));
+            Process process({PLAYFILE_CLI, "extract", clip, "-o", path("out/a.mov")}, environment);
+            waitForPartial(byteCount);
+            process.send(SIGINT);
+            std::string out;
+            std::string err;
+            exitCode = process.wait(out, err);
+            EXPECT_THAT(err, IsEmpty());
+        }
+        return exitCode;
     }
 };
 
@@ -258,13 +277,7 @@ TEST_F(ExtractCommand, WithoutRoomForItsHeaderKeepsTheFileThatWasThere) {
 TEST_F(ExtractCommand, StoppedAnywhereLeavesNothing) {
     std::string const clip = makeLongClip();
     for (std::uintmax_t const byteCount : {0U, 1U << 20, 5U << 20}) {
-        Process process({PLAYFILE_CLI, "extract", clip, "-o", path("out/a.mov")}, environment);
-        waitForPartial(byteCount);
-        process.send(SIGINT);
-        std::string out;
-        std::string err;
-        EXPECT_EQ(process.wait(out, err), 128 + SIGINT);
-        EXPECT_THAT(err, IsEmpty());
+        EXPECT_EQ(stopOnceThereAre(byteCount, clip), 128 + SIGINT);
         EXPECT_THAT(made(), IsEmpty()) << byteCount;
     }
 }
