@@ -61,7 +61,8 @@ bool ProjectFile::prepareSchema(std::string& error) {
     }
     std::int64_t const version = numberOf(database_, "PRAGMA user_version");
     bool const isNew = version == 0 && isEmptyFile(database_);
-    bool const isProject = isNew || numberOf(database_, "PRAGMA application_id") == applicationId;
+    bool const isMarked = numberOf(database_, "PRAGMA application_id") == applicationId;
+    bool const isProject = isNew || (isMarked && version > 0);
     bool isGood = isProject && version <= static_cast<std::int64_t>(migrations.size());
     if (!isProject) {
         error = name + "it is a database of another kind; choose another file";

@@ -9,7 +9,7 @@
 
 #include "files/PlayFileCache.h"
 #include "header/FileXferSpec.h"
-#include "header/PlayPriv.h"
+#include "header/HeaderOfFile.h"
 #include "ole/os/OS.h"
 #include "plugins/ffmpeg/FFmpegReader.h"
 #include "toolkit/catalogue/DiskManager.h"
@@ -220,23 +220,14 @@ private:
     }
 
     [[nodiscard]] SAV_HEADER header() const {
-        SAV_HEADER header;
         PlayFileMetadataRep const& metadata = *source_->metadata;
-        if (isSound(spec_)) {
-            Aud::Metadata const& format = metadata.audioStreams.front();
-            PlayPriv::make_audio_header(source_, &header, format.sampleRate,
-                                        static_cast<int>(format.bytesPerSample));
-            bool const isWhole = optionOf(spec_, "channels") == "all";
-            header.number_of_channels = isWhole ? static_cast<std::int32_t>(metadata.getTotalChannels()) : 1;
-            return header;
+        if (!isSound(spec_)) {
+            return visionHeaderOf(source_);
         }
-        ShotVideoMetadata pictures;
-        pictures.setVideoFormatUID(metadata.formatUID);
-        pictures.setFrameRate(metadata.videoSequence.frameRate);
-        PlayPriv::make_vision_header(source_, pictures, &header);
-        header.width = static_cast<std::int32_t>(metadata.image.width);
-        header.height = static_cast<std::int32_t>(metadata.image.height);
-        return header;
+        if (optionOf(spec_, "channels") == "all") {
+            return soundHeaderOf(source_, 0, metadata.getTotalChannels());
+        }
+        return soundHeaderOf(source_, oneChannel(metadata, spec_.source.channel(), 0, 0).stream, 1);
     }
 
     FileXferSpec& spec_;

@@ -88,6 +88,13 @@ TEST_F(ProjectFileTest, RefusesADatabaseOfAnotherKindAndLeavesIt) {
     tamper("INSERT INTO notes VALUES ('still here')");
 }
 
+TEST_F(ProjectFileTest, RefusesAProjectWithoutAVersion) {
+    ASSERT_TRUE(open());
+    tamper("PRAGMA user_version = -1");
+    EXPECT_FALSE(open());
+    EXPECT_THAT(error_, HasSubstr("another kind"));
+}
+
 TEST_F(ProjectFileTest, RefusesAFileThatIsNoDatabaseAndLeavesIt) {
     folder_.write("a.project", std::string(5000, 'x'));
     EXPECT_FALSE(open());
@@ -103,8 +110,9 @@ TEST_F(ProjectFileTest, RefusesAFolder) {
 
 TEST_F(ProjectFileTest, UndoesAndLogsAChangeThatFailsHalfWay) {
     LogRecorder log;
-    SqliteCatalogue catalogue(open());
     auto const file = open();
+    SqliteCatalogue catalogue(file);
+    catalogue.addFile(cookie_, media(L"/m/a"));
     {
         std::lock_guard const scope(file->lock);
         EXPECT_FALSE(file->change("two things", [&] {
@@ -114,7 +122,6 @@ TEST_F(ProjectFileTest, UndoesAndLogsAChangeThatFailsHalfWay) {
     }
     EXPECT_THAT(log.log().back(),
                 AllOf(HasSubstr("two things"), HasSubstr("a.project"), HasSubstr("make room")));
-    catalogue.addFile(cookie_, media(L"/m/a"));
     EXPECT_TRUE(catalogue.fileExists(cookie_));
 }
 

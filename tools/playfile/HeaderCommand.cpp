@@ -4,7 +4,7 @@
 #include <array>
 #include <fstream>
 
-#include "header/PlayPriv.h"
+#include "header/HeaderOfFile.h"
 #include "host/sidecar/HeaderFiles.h"
 #include "toolkit/catalogue/MaterialInfo.h"
 #include "tools/playfile/Clip.h"
@@ -20,21 +20,8 @@ namespace {
 /// The header that material made of this file would get.
 SAV_HEADER headerFor(Ox::Ptr<FileReadInstance> const& file) {
     PlayFileMetadataRep const& metadata = *file->metadata;
-    SAV_HEADER header;
-    if (metadata.videoInfoCount == 0 && !metadata.audioStreams.empty()) {
-        Aud::Metadata const& format = metadata.audioStreams.front();
-        PlayPriv::make_audio_header(file, &header, format.sampleRate,
-                                    static_cast<int>(format.bytesPerSample));
-        header.number_of_channels = static_cast<std::int32_t>(metadata.getTotalChannels());
-        return header;
-    }
-    ShotVideoMetadata pictures;
-    pictures.setVideoFormatUID(metadata.formatUID);
-    pictures.setFrameRate(metadata.videoSequence.frameRate);
-    PlayPriv::make_vision_header(file, pictures, &header);
-    header.width = static_cast<std::int32_t>(metadata.image.width);
-    header.height = static_cast<std::int32_t>(metadata.image.height);
-    return header;
+    bool const isSoundAlone = metadata.videoInfoCount == 0 && !metadata.audioStreams.empty();
+    return isSoundAlone ? soundHeaderOf(file, 0, metadata.getTotalChannels()) : visionHeaderOf(file);
 }
 
 /// Keys and values in the order of the text.
