@@ -118,6 +118,10 @@ public:
     [[nodiscard]] Name getDisplayFilename(Name const& name) override {
         return other_.getDisplayFilename(name);
     }
+    void findFiles(Name const& pattern, std::vector<DirectoryItem>& items, bool files,
+                   bool folders) override {
+        other_.findFiles(pattern, items, files, folders);
+    }
 
 private:
     iFileManager& other_;

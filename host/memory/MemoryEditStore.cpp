@@ -136,13 +136,8 @@ iEditStore* iEditStore::install(iEditStore* store) noexcept {
 
 void EditPtr::i_open(Cookie const& cookie, int) {
     i_close();
-    store_ = iEditStore::instance();
-    edit_ = store_->open(cookie);
-}
-
-void EditPtr::i_close() {
-    if (edit_) {
-        store_->close(*edit_);
-        edit_ = nullptr;
+    iEditStore* const store = iEditStore::instance();
+    if (Ox::Ptr<Edit> const edit = store->open(cookie)) {
+        open_ = Ox::makePtr<Opened>(*store, edit);
     }
 }

@@ -3,10 +3,10 @@
 #include <mutex>
 #include <string>
 
-#include "host/memory/Listeners.h"
 #include "ole/os/Immortal.h"
 #include "toolkit/catalogue/DiskManager.h"
 #include "toolkit/catalogue/Repository.h"
+#include "toolkit/services/Listeners.h"
 
 namespace {
 

@@ -1,11 +1,14 @@
 #include "host/posix/PosixFileManager.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <memory>
 #include <string>
 
 #include "host/posix/FileCopy.h"
@@ -13,6 +16,7 @@
 #include "host/posix/PosixFile.h"
 #include "host/posix/PosixVolume.h"
 #include "host/posix/Rename.h"
+#include "toolkit/services/Paths.h"
 
 namespace {
 
@@ -69,6 +73,32 @@ bool makeFolder(std::string const& path) {
     }
     keepSystemError(error);
     return false;
+}
+
+/// The names in a folder, without "." and ".."; the folder may end in a separator, and empty is the current one.
+std::vector<std::string> namesIn(std::string const& folder) {
+    std::vector<std::string> names;
+    std::unique_ptr<DIR, int (*)(DIR*)> const open(opendir(folder.empty() ? "." : folder.c_str()), closedir);
+    if (!open) {
+        keepSystemError();
+        return names;
+    }
+    while (dirent const* const entry = readdir(open.get())) {
+        std::string const name = static_cast<char const*>(entry->d_name);
+        if (name != "." && name != "..") {
+            names.push_back(name);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+/// Whether a name is meant by the last component of a `findFiles` pattern.
+bool isMeant(std::string const& name, std::string const& pattern) {
+    bool const isOpen = pattern.size() > 2 && pattern.compare(pattern.size() - 2, 2, ".*") == 0;
+    return isOpen ? name.size() >= pattern.size() &&
+                        name.compare(0, pattern.size() - 1, pattern, 0, pattern.size() - 1) == 0
+                  : name == pattern;
 }
 
 }  // namespace
@@ -158,4 +188,21 @@ PosixFileManager::Name PosixFileManager::getDisplayFilename(Name const& name) {
         }
     }
     return Name(text);
+}
+
+void PosixFileManager::findFiles(Name const& pattern, std::vector<DirectoryItem>& items, bool files,
+                                 bool folders) {
+    Name const folder = getPath(pattern);
+    std::string const wanted = systemPath(stripPath(pattern));
+    for (std::string const& name : namesIn(systemPath(folder))) {
+        if (!isMeant(name, wanted)) {
+            continue;
+        }
+        Name const bareName = fromUTF8(name.c_str(), static_cast<int>(name.size()));
+        DirectoryItem item = getFileInfo(folder + bareName);
+        item.name = bareName;
+        if (S_ISDIR(item.attributes) ? folders : files) {
+            items.push_back(item);
+        }
+    }
 }

@@ -22,6 +22,7 @@ public:
                                           std::uint32_t share, std::uint32_t option) override;
     [[nodiscard]] Ox::Ptr<iVolume> getVolume(Name const& path) override;
     [[nodiscard]] std::uint64_t getFileSize(Name const& path) override;
+    void findFiles(Name const& pattern, std::vector<DirectoryItem>& items, bool files, bool folders) override;
     /// The name itself: what isn't mounted isn't known here.
     [[nodiscard]] Name getMountedFilename(Name const& name) override { return name; }
     /// Control characters, and what no text may hold, become U+FFFD.

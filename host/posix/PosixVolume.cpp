@@ -10,5 +10,6 @@ Ox::Ptr<iVolume> PosixVolume::find(std::string const& path) {
         keepSystemError();
         return {};
     }
-    return Ox::makePtr<PosixVolume>(static_cast<std::uint32_t>(status.f_bsize));
+    return Ox::makePtr<PosixVolume>(static_cast<std::uint32_t>(status.f_bsize),
+                                     static_cast<std::uint64_t>(status.f_bavail) * status.f_frsize);
 }

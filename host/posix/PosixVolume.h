@@ -10,9 +10,12 @@ public:
     /// Empty, with the reason kept, for a path that isn't there.
     [[nodiscard]] static Ox::Ptr<iVolume> find(std::string const& path);
 
-    explicit PosixVolume(std::uint32_t blockSize) : blockSize_(blockSize) {}
+    PosixVolume(std::uint32_t blockSize, std::uint64_t freeBytes)
+        : blockSize_(blockSize), freeBytes_(freeBytes) {}
     [[nodiscard]] std::uint32_t getBlockSize() const override { return blockSize_; }
+    [[nodiscard]] std::uint64_t getFreeBytes() const override { return freeBytes_; }
 
 private:
     std::uint32_t const blockSize_;
+    std::uint64_t const freeBytes_;
 };

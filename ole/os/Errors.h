@@ -13,6 +13,7 @@ using OxResult = std::uint32_t;
 enum : OxResult {
     oxFailure = 0,
     oxSuccess = 1,
+    oxCopyFailed = 2,
     oxInterrupted = 3,
     oxNoMorePackets = 8,
     oxEndOfData = 11,

@@ -34,6 +34,8 @@ class iVolume : public virtual iObject {
 public:
     /// The unit in which it is best read and written, in bytes.
     [[nodiscard]] virtual std::uint32_t getBlockSize() const = 0;
+    /// Bytes that this process may still write there.
+    [[nodiscard]] virtual std::uint64_t getFreeBytes() const = 0;
 };
 
 /// A place on other machines that holds files, as far as names are concerned.
@@ -117,6 +119,14 @@ public:
     /// The name made fit for display: path and extension kept, control characters replaced.
     [[nodiscard]] virtual LightweightString<wchar_t> getDisplayFilename(
         LightweightString<wchar_t> const& name) = 0;
+    /// Adds what lies in a folder to `items`, in the order of the names.
+    ///
+    /// @param pattern  a folder and a name in it, or a beginning of names with ".*" behind it: every name that
+    ///                 goes on after the full stop. No other character stands for others.
+    /// @param files    takes what isn't a folder
+    /// @param folders  takes folders
+    virtual void findFiles(LightweightString<wchar_t> const& pattern, std::vector<DirectoryItem>& items,
+                           bool files, bool folders) = 0;
     /// Who serves a remote name; null if nobody does. It isn't owned, and lives as long as the process.
     [[nodiscard]] virtual iRemoteStore* findRemoteStore(LightweightString<wchar_t> const& /*name*/) {
         return nullptr;

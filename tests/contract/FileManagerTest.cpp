@@ -269,6 +269,61 @@ TEST_P(FileManagerContract, KnowsTheVolumeOfAFileAndOfAFolder) {
     }
 }
 
+TEST_P(FileManagerContract, KnowsWhatIsFreeOnAVolume) {
+    struct statvfs status {};
+    ASSERT_EQ(0, statvfs(folder_.path().c_str(), &status));
+    double const expected = static_cast<double>(status.f_bavail) * static_cast<double>(status.f_frsize);
+    double const found = static_cast<double>(files().getVolume(folder_.name("."))->getFreeBytes());
+    EXPECT_NEAR(found / expected, 1.0, 0.05);
+}
+
+TEST_P(FileManagerContract, FindsWhatGoesOnBehindTheFullStopInTheOrderOfTheNames) {
+    for (char const* const name : {"take.wav", "take.sav", "take.a.b", "take", "takes.wav", "atake.wav"}) {
+        folder_.write(name, "12345");
+    }
+    std::vector<iFileManager::DirectoryItem> items;
+    files().findFiles(folder_.name("take.*"), items, true, false);
+    ASSERT_EQ(items.size(), 3U);
+    EXPECT_EQ(items[0].name, L"take.a.b");
+    EXPECT_EQ(items[1].name, L"take.sav");
+    EXPECT_EQ(items[2].name, L"take.wav");
+    EXPECT_EQ(items[2].size, 5U);
+}
+
+TEST_P(FileManagerContract, OnlyTheClosingStarOfAPatternStandsForOthers) {
+    for (char const* const name : {"a*b.sav", "axb.sav", "a[x]b.sav", "a?b.sav"}) {
+        folder_.write(name, "1");
+    }
+    for (std::string const stem : {"a*b", "a[x]b", "a?b"}) {
+        std::vector<iFileManager::DirectoryItem> items;
+        files().findFiles(folder_.name(stem + ".*"), items, true, false);
+        ASSERT_EQ(items.size(), 1U) << stem;
+        EXPECT_EQ(toUTF8(items[0].name).str(), stem + ".sav");
+    }
+}
+
+TEST_P(FileManagerContract, FindsFilesAndFoldersAsItIsAsked) {
+    folder_.write("x.file", "1");
+    ASSERT_TRUE(files().createDirectory(folder_.name("x.folder")));
+    std::vector<iFileManager::DirectoryItem> items;
+    files().findFiles(folder_.name("x.*"), items, false, false);
+    EXPECT_TRUE(items.empty());
+    files().findFiles(folder_.name("x.*"), items, false, true);
+    ASSERT_EQ(items.size(), 1U);
+    EXPECT_EQ(items[0].name, L"x.folder");
+    files().findFiles(folder_.name("x.*"), items, true, true);
+    EXPECT_EQ(items.size(), 3U);
+}
+
+TEST_P(FileManagerContract, FindsOneNameAndNothingInAFolderThatIsNotThere) {
+    folder_.write("one.wav", "1");
+    std::vector<iFileManager::DirectoryItem> items;
+    files().findFiles(folder_.name("one.wav"), items, true, false);
+    EXPECT_EQ(items.size(), 1U);
+    files().findFiles(folder_.name("missing/one.*"), items, true, true);
+    EXPECT_EQ(items.size(), 1U);
+}
+
 TEST_P(FileManagerContract, KnowsNoVolumeOfAPathThatIsNotThere) {
     EXPECT_FALSE(files().getVolume(folder_.name("missing")));
     EXPECT_EQ(iErrorService::systemErrorBase + ENOENT, lastError());

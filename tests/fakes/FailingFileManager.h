@@ -10,7 +10,7 @@ namespace test {
 
 /// A file manager whose call of a given number fails, once or from then on. Calls that do something to
 /// the disk or look at it count: copy, rename, delete, the existence test, information, volume, size,
-/// folder and open. A call that fails does nothing.
+/// search, folder and open. A call that fails does nothing.
 ///
 /// Threads  Any.
 class FailingFileManager : public ForwardingFileManager {
@@ -57,6 +57,12 @@ public:
     }
     [[nodiscard]] std::uint64_t getFileSize(Name const& path) override {
         return fails() ? 0 : real().getFileSize(path);
+    }
+    void findFiles(Name const& pattern, std::vector<DirectoryItem>& items, bool files,
+                   bool folders) override {
+        if (!fails()) {
+            real().findFiles(pattern, items, files, folders);
+        }
     }
 
 private:

@@ -42,6 +42,13 @@ public:
     [[nodiscard]] Name getDisplayFilename(Name const& name) override {
         return real_.getDisplayFilename(name);
     }
+    void findFiles(Name const& pattern, std::vector<DirectoryItem>& items, bool files,
+                   bool folders) override {
+        real_.findFiles(pattern, items, files, folders);
+    }
+    [[nodiscard]] iRemoteStore* findRemoteStore(Name const& name) override {
+        return real_.findRemoteStore(name);
+    }
 
 protected:
     [[nodiscard]] iFileManager& real() const { return real_; }

@@ -71,6 +71,7 @@ public:
     std::uint64_t getFileSize(LightweightString<wchar_t> const& path) override {
         return files_.count(narrow(path)) != 0 ? fileSize : 0;
     }
+    void findFiles(LightweightString<wchar_t> const&, std::vector<DirectoryItem>&, bool, bool) override {}
     LightweightString<wchar_t> getMountedFilename(LightweightString<wchar_t> const& name) override;
     LightweightString<wchar_t> getDisplayFilename(LightweightString<wchar_t> const& name) override;
 

@@ -28,6 +28,7 @@ public:
     public:
         explicit Volume(std::uint32_t size) : size_(size) {}
         [[nodiscard]] std::uint32_t getBlockSize() const override { return size_; }
+        [[nodiscard]] std::uint64_t getFreeBytes() const override { return 0; }
 
     private:
         std::uint32_t const size_;

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -22,6 +21,7 @@
 #include "tests/real/OpenClip.h"
 #include "tests/real/OpenSound.h"
 #include "tests/real/RealMedia.h"
+#include "tests/real/SoundBounds.h"
 #include "tests/support/Installed.h"
 #include "tests/support/TemporaryFolder.h"
 #include "toolkit/catalogue/DiskManager.h"
@@ -143,28 +143,24 @@ TEST_F(ExtractReal, FramesOfRandomSectionsAreThoseOfTheLinearDecode) {
     }
 }
 
-/// Those whose decoders give the same wherever they begin.
-constexpr std::array inexactCodecs{"ac3", "eac3", "mp2", "opus", "gsm", "adpcm_ima_qt", "mp3"};
-
+/// Whether all streams of a file have decoders that give the same wherever they begin.
 bool isExact(OpenSound const& sound, std::string const& path) {
-    bool isExact = path.find("noisy") == std::string::npos;
-    for (Aud::Metadata const& stream : sound.metadata().audioStreams) {
-        isExact = isExact && std::none_of(inexactCodecs.begin(), inexactCodecs.end(),
-                                          [&](char const* codec) { return stream.codec.view() == codec; });
-    }
-    return isExact;
+    auto const& streams = sound.metadata().audioStreams;
+    return std::all_of(streams.begin(), streams.end(), [&](Aud::Metadata const& stream) {
+        return soundBoundOf(path, stream.codec.str()) == 0.0;
+    });
 }
 
-std::vector<std::string> exactSoundFiles() {
+std::vector<std::string> filesWithSound(bool areExact) {
     std::vector<std::string> files = soundFiles();
     std::vector<std::string> const waves = waveFiles();
     files.insert(files.end(), waves.begin(), waves.end());
-    std::erase_if(files, [](std::string const& path) {
+    std::erase_if(files, [areExact](std::string const& path) {
         if (std::filesystem::file_size(path) > mostBytes) {
             return true;
         }
         OpenSound const sound(path);
-        return !sound.isOpen() || sound.metadata().audioSampleCount == 0 || !isExact(sound, path);
+        return !sound.isOpen() || sound.metadata().audioSampleCount == 0 || isExact(sound, path) != areExact;
     });
     return files;
 }
@@ -178,30 +174,75 @@ struct KnownChannel {
             channel -= metadata.audioStreams[stream++].channels;
         }
         decoded = std::make_unique<DecodedSound>(path, stream, metadata.audioStreams[stream]);
-        form = rawFormName(metadata.audioStreams[stream].sampleFormat);
+        sampleFormat = metadata.audioStreams[stream].sampleFormat;
+        form = rawFormName(sampleFormat);
+        codec = metadata.audioStreams[stream].codec.str();
     }
 
     std::uint32_t channel;
     std::unique_ptr<DecodedSound> decoded;
+    std::uint32_t sampleFormat = 0;
     std::string form;
+    std::string codec;
+};
+
+/// A random section of one of a file's channels, and what it should be.
+struct SoundSection {
+    SoundSection(std::string const& path, std::mt19937& random) : sound(path) {
+        auto const pick = [&](std::uint64_t most) {
+            return std::uniform_int_distribution<std::uint64_t>(0, most)(random);
+        };
+        channel = static_cast<std::uint32_t>(pick(sound.metadata().getTotalChannels() - 1));
+        known = std::make_unique<KnownChannel>(path, sound.metadata(), channel);
+        first = pick(known->decoded->sampleCount() - 1);
+        std::uint64_t const left = known->decoded->sampleCount() - first;
+        count = static_cast<std::uint32_t>(1 + pick(std::min<std::uint64_t>(mostSamples, left) - 1));
+    }
+
+    [[nodiscard]] std::string expected() const {
+        return known->decoded->samples(known->channel, first, count);
+    }
+
+    OpenSound sound;
+    std::unique_ptr<KnownChannel> known;
+    std::uint32_t channel = 0;
+    std::uint64_t first = 0;
+    std::uint32_t count = 0;
 };
 
 TEST_F(ExtractReal, SamplesOfRandomSectionsAreThoseOfTheLinearDecode) {
-    std::vector<std::string> const files = exactSoundFiles();
+    std::vector<std::string> const files = filesWithSound(true);
     ASSERT_GE(files.size(), 20U);
     for (int turn = 0; turn < sectionCount; ++turn) {
         std::string const& path = files[pick(files.size() - 1)];
-        OpenSound const sound(path);
-        auto const fileChannel = static_cast<std::uint32_t>(pick(sound.metadata().getTotalChannels() - 1));
-        KnownChannel const known(path, sound.metadata(), fileChannel);
-        std::uint64_t const first = pick(known.decoded->sampleCount() - 1);
-        std::uint64_t const left = known.decoded->sampleCount() - first;
-        auto const count =
-            static_cast<std::uint32_t>(1 + pick(std::min<std::uint64_t>(mostSamples, left) - 1));
-        std::string const copy = extract(*soundSection(path, fileChannel, first, first + count));
-        EXPECT_EQ(decodedSamples(copy, known.form), known.decoded->samples(known.channel, first, count))
-            << path << " channel " << fileChannel << " from " << first << ", " << count;
+        SoundSection const part(path, random_);
+        std::string const copy =
+            extract(*soundSection(path, part.channel, part.first, part.first + part.count));
+        EXPECT_EQ(decodedSamples(copy, part.known->form), part.expected())
+            << path << " channel " << part.channel << " from " << part.first << ", " << part.count;
         std::filesystem::remove(copy);
+    }
+}
+
+TEST_F(ExtractReal, SamplesOfCodecsThatRememberArriveWithinTheBoundOfTheirReads) {
+    constexpr int sectionsOfEach = std::max(1, sectionCount / 10);
+    std::vector<std::string> const files = filesWithSound(false);
+    ASSERT_GE(files.size(), 5U);
+    for (std::string const& path : files) {
+        Deviation all;
+        double bound = 0.0;
+        for (int turn = 0; turn < sectionsOfEach; ++turn) {
+            SoundSection const part(path, random_);
+            std::string const copy =
+                extract(*soundSection(path, part.channel, part.first, part.first + part.count));
+            std::string const samples = decodedSamples(copy, part.known->form);
+            ASSERT_EQ(samples.size(), part.expected().size()) << path;
+            all.add(deviationOf(samples, part.expected(), part.known->sampleFormat));
+            bound = std::max(bound, soundBoundOf(path, part.known->codec));
+            std::filesystem::remove(copy);
+        }
+        std::cout << path << ": off by " << all.rootMeanSquare() << " (root mean square)\n";
+        EXPECT_LE(all.rootMeanSquare(), bound) << path;
     }
 }
 

@@ -15,6 +15,7 @@
 #include "tests/real/DecodedSound.h"
 #include "tests/real/OpenSound.h"
 #include "tests/real/RealMedia.h"
+#include "tests/real/SoundBounds.h"
 
 namespace test {
 namespace {
@@ -24,34 +25,6 @@ constexpr std::uint32_t threadCount = 8;
 constexpr std::uint32_t frameBlock = 1920;
 constexpr std::uint32_t usualBlock = 4096;
 constexpr std::uint32_t longestBlock = 10'000;
-
-/// What is left of the past when a decoder of such a codec begins anywhere: the root mean square of the
-/// difference to the linear decode, as a part of full scale. All other codecs leave nothing.
-struct Bound {
-    std::string_view codec;
-    double rootMeanSquare;
-};
-constexpr std::array<Bound, 6> bounds = {{{"ac3", 0.02},    // noise stands in for what isn't coded
-                                          {"eac3", 0.02},   // the same
-                                          {"mp2", 0.0001},  // the last bit is dithered
-                                          {"opus", 0.0001},
-                                          {"gsm", 0.01},
-                                          {"adpcm_ima_qt", 0.01}}};
-constexpr double boundOfNoisyAac = 0.02;
-/// Of linear prediction at a low rate, which may ring on for seconds.
-constexpr double boundOfSpeech = 0.05;
-
-double boundFor(std::string const& path, std::string const& codec) {
-    if (codec == "aac" && path.find("noisy") != std::string::npos) {
-        return boundOfNoisyAac;
-    }
-    if (path.find("speech") != std::string::npos) {
-        return boundOfSpeech;
-    }
-    auto const found =
-        std::find_if(bounds.begin(), bounds.end(), [&](Bound const& bound) { return bound.codec == codec; });
-    return found == bounds.end() ? 0.0 : found->rootMeanSquare;
-}
 
 std::uint32_t seed() {
     char const* const given = std::getenv("PLAYFILE_TEST_SEED");
@@ -72,7 +45,7 @@ public:
           format_(sound.metadata().audioStreams[stream]),
           firstChannel_(channelsBefore(sound, stream)),
           expected_(path, stream, format_),
-          bound_(boundFor(path, format_.codec.str())) {}
+          bound_(soundBoundOf(path, format_.codec.str())) {}
 
     [[nodiscard]] std::uint64_t sampleCount() const { return expected_.sampleCount(); }
     [[nodiscard]] double bound() const { return bound_; }

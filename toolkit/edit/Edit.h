@@ -73,6 +73,50 @@ struct EditItem {
     CelEventPair handle;
 };
 
+/// Where a piece of a cel begins.
+class ce_handle {
+public:
+    ce_handle() = default;
+    explicit ce_handle(std::uint32_t index) : index_(index) {}
+
+    [[nodiscard]] std::uint32_t index() const { return index_; }
+
+private:
+    std::uint32_t index_ = 0;
+};
+
+/// One channel of a clip, as the pieces of media that it shows one after the other.
+class Cel : public virtual iObject {
+public:
+    [[nodiscard]] virtual ce_handle get_start_ceh() const { return {}; }
+    /// How fast a piece is shown: 1.0 as it was recorded, exactly 0.0 for a still.
+    [[nodiscard]] virtual double get_strip_velocity(ce_handle const& /*piece*/) const { return 1.0; }
+};
+
+/// What kind of change of a clip: 22 its media are elsewhere now.
+using eEditModificationType = std::uint32_t;
+inline constexpr eEditModificationType mediaMoved = 22;
+
+/// One change of a clip.
+struct EditModification {
+    EditModification(eEditModificationType what, unsigned howMany) : type(what), count(howMany) {}
+
+    eEditModificationType type;
+    unsigned count;
+};
+
+/// The changes of a clip that belong together.
+class EditModifications {
+public:
+    explicit EditModifications(EditModification const& modification) : all_{modification} {}
+
+    void add(EditModification const& modification) { all_.push_back(modification); }
+    [[nodiscard]] std::vector<EditModification> const& all() const { return all_; }
+
+private:
+    std::vector<EditModification> all_;
+};
+
 /// A clip of the clip database.
 ///
 /// Threads  Any; an implementation takes its locks innermost.
@@ -120,6 +164,15 @@ public:
     /// The rate of its sound as it was recorded; none if it isn't known.
     [[nodiscard]] virtual Aud::SampleRate getAudioInputSampleRate() const { return {}; }
 
+    /// False for a clip that isn't whole.
+    [[nodiscard]] virtual bool isValid() const { return true; }
+    /// The channel of a number, 0 the first picture or else the first of all.
+    [[nodiscard]] virtual IdStamp getId(std::uint32_t /*number*/) const { return {}; }
+    /// What is known of a channel; empty if there is nothing.
+    [[nodiscard]] virtual Ox::Ptr<Cel> getCel(IdStamp const& /*channel*/) const { return {}; }
+    /// Tells whoever shows the clip that it has changed.
+    virtual void addModification(EditModifications const& /*modifications*/) {}
+
     /// The cookies that the clip refers to.
     [[nodiscard]] virtual CookieVec getReferences(std::uint32_t /*kind*/) const { return {}; }
 };
@@ -138,6 +191,13 @@ public:
     virtual void modified(Edit& /*edit*/, LightweightString<char> const& /*description*/) {}
     /// Told that what is kept of a clip for searching is to be brought up to date.
     virtual void updateRecord(Cookie const& /*cookie*/) {}
+    /// The cookies of the clips that a search for these kinds finds, in an order that stays.
+    ///
+    /// @param source  1, the project's own clips
+    /// @param kinds   mask of `eLogType`, and 4 and 0x8000 for what is listed nowhere else
+    [[nodiscard]] virtual std::vector<Cookie> search(std::uint32_t /*source*/, std::uint32_t /*kinds*/) {
+        return {};
+    }
 
     [[nodiscard]] static iEditStore* instance() noexcept;
     /// Puts `store` in force, null for the host's own, and gives back the one before, null for the host's
@@ -147,23 +207,27 @@ public:
 
 /// A clip held open. An empty one is harmless.
 ///
-/// Threads  One at a time.
+/// Ownership  Copies share what is open; the clip is closed with the last of them.
+/// Threads    One at a time for each.
 class EditPtr {
 public:
-    EditPtr() = default;
-    EditPtr(EditPtr const&) = delete;
-    EditPtr& operator=(EditPtr const&) = delete;
-    ~EditPtr() { i_close(); }
-
     /// Closes what was open and opens the clip of `cookie`; afterwards empty if there is none.
     void i_open(Cookie const& cookie, int option = 0);
-    void i_close();
+    void i_close() { open_ = nullptr; }
 
-    explicit operator bool() const { return static_cast<bool>(edit_); }
-    Edit* operator->() const { return edit_.get(); }
-    [[nodiscard]] Edit* get() const { return edit_.get(); }
+    explicit operator bool() const { return static_cast<bool>(open_); }
+    Edit* operator->() const { return get(); }
+    [[nodiscard]] Edit* get() const { return open_ ? open_->edit.get() : nullptr; }
 
 private:
-    Ox::Ptr<Edit> edit_;
-    iEditStore* store_ = nullptr;
+    /// One `open` of a store, and its `close`.
+    struct Opened : public virtual iObject {
+        Opened(iEditStore& from, Ox::Ptr<Edit> const& opened) : store(from), edit(opened) {}
+        ~Opened() override { store.close(*edit); }
+
+        iEditStore& store;
+        Ox::Ptr<Edit> const edit;
+    };
+
+    Ox::Ptr<Opened> open_;
 };

@@ -1,10 +1,14 @@
 #include "toolkit/services/Paths.h"
 
+#include <algorithm>
+#include <string>
+
 #include "ole/os/OS.h"
 
 namespace {
 
 constexpr wchar_t separator = L'/';
+constexpr wchar_t foreignSeparator = L'\\';
 constexpr wchar_t fullStop = L'.';
 
 /// Where the last component begins.
@@ -40,6 +44,16 @@ LightweightString<wchar_t> stripExtension(LightweightString<wchar_t> const& path
 
 LightweightString<wchar_t> stripPath(LightweightString<wchar_t> const& path) {
     return LightweightString<wchar_t>(path.view().substr(nameStart(path.view())));
+}
+
+LightweightString<wchar_t> stripPathAndExt(LightweightString<wchar_t> const& path) {
+    return stripExtension(stripPath(path));
+}
+
+LightweightString<wchar_t> fixForeignOSFileName(LightweightString<wchar_t> const& path) {
+    std::wstring text = path.str();
+    std::replace(text.begin(), text.end(), foreignSeparator, separator);
+    return LightweightString<wchar_t>(text);
 }
 
 LightweightString<wchar_t> joinPaths(LightweightString<wchar_t> const& folder,

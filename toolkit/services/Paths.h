@@ -11,6 +11,10 @@
 [[nodiscard]] LightweightString<wchar_t> stripExtension(LightweightString<wchar_t> const& path);
 /// The last component.
 [[nodiscard]] LightweightString<wchar_t> stripPath(LightweightString<wchar_t> const& path);
+/// The last component without its extension.
+[[nodiscard]] LightweightString<wchar_t> stripPathAndExt(LightweightString<wchar_t> const& path);
+/// The path with the separators of another system turned into those of this one.
+[[nodiscard]] LightweightString<wchar_t> fixForeignOSFileName(LightweightString<wchar_t> const& path);
 /// The two with one separator between them; with an empty `name` the folder with its closing separator, with
 /// an empty folder `name` alone.
 [[nodiscard]] LightweightString<wchar_t> joinPaths(LightweightString<wchar_t> const& folder,
