@@ -1,6 +1,8 @@
 #include "host/memory/MemoryCatalogue.h"
 
 #include <atomic>
+#include <optional>
+#include <utility>
 
 #include "ole/os/Immortal.h"
 #include "toolkit/catalogue/OwnFiles.h"
@@ -19,97 +21,97 @@ bool isSameTypeOfClip(Cookie const& a, Cookie const& b) {
     return a.uuid() == b.uuid() && a.type() == b.type();
 }
 
-template <class Files>
-Ox::Ptr<FsysDirectoryEntry> entryOf(Cookie const& cookie, Files const& files) {
-    return Ox::makePtr<FsysDirectoryEntry>(cookie, files.original.value_or(MediaFileInfo()), files.proxies);
-}
-
 }  // namespace
 
-/// For the clip as a whole the first entry of the cookie's type is meant.
-MemoryCatalogue::Entries::const_iterator MemoryCatalogue::find(Cookie const& cookie) const {
-    auto found = entries_.find(cookie);
-    if (found == entries_.end() && cookie.channel() == Cookie::wholeClip) {
-        found = entries_.lower_bound(convertCookie(cookie, cookie.type(), 0));
-        if (found != entries_.end() && !isSameTypeOfClip(found->first, cookie)) {
-            found = entries_.end();
+/// What the cookies have.
+///
+/// Threads  Any.
+class MemoryCatalogue::Media final : public iMediaKeeper {
+public:
+    using Found = std::pair<Cookie, CookieMedia>;
+
+    [[nodiscard]] bool change(Cookie const& cookie, Change const& change, CookieMedia& now) override {
+        this->change(cookie, [&](CookieMedia& media) {
+            static_cast<void>(change(media));
+            now = media;
+        });
+        return true;
+    }
+
+    template <class Steps>
+    void change(Cookie const& cookie, Steps const& steps) {
+        std::lock_guard const scope(lock_);
+        auto const entry = entries_.try_emplace(cookie).first;
+        steps(entry->second);
+        if (entry->second.isEmpty()) {
+            entries_.erase(entry);
         }
     }
-    return found;
-}
 
-/// The name is made without the lock: it may ask the file manager.
+    /// For the clip as a whole the first entry of the cookie's type is meant.
+    [[nodiscard]] std::optional<Found> find(Cookie const& cookie) {
+        std::lock_guard const scope(lock_);
+        auto found = entries_.find(cookie);
+        if (found == entries_.end() && cookie.channel() == Cookie::wholeClip) {
+            found = entries_.lower_bound(convertCookie(cookie, cookie.type(), 0));
+            if (found != entries_.end() && !isSameTypeOfClip(found->first, cookie)) {
+                found = entries_.end();
+            }
+        }
+        return found == entries_.end() ? std::nullopt : std::optional<Found>(*found);
+    }
+
+    [[nodiscard]] std::vector<Found> findClip(Ox::UUID const& clip) {
+        std::lock_guard const scope(lock_);
+        std::vector<Found> found;
+        for (auto entry = entries_.lower_bound(Cookie(clip, '\0', 0));
+             entry != entries_.end() && entry->first.uuid() == clip; ++entry) {
+            found.emplace_back(*entry);
+        }
+        return found;
+    }
+
+private:
+    std::mutex lock_;
+    std::map<Cookie, CookieMedia> entries_;
+};
+
+MemoryCatalogue::MemoryCatalogue() : media_(Ox::makePtr<Media>()) {}
+MemoryCatalogue::~MemoryCatalogue() = default;
+
+/// The name is made without a lock: it may ask the file manager.
 bool MemoryCatalogue::findFileForCookie(Cookie const& cookie, LightweightString<wchar_t>& filename,
                                         DecodeFormat const& format) {
-    std::optional<MediaFileInfo> file;
-    {
-        std::lock_guard const scope(lock_);
-        auto const found = find(cookie);
-        if (found == entries_.end()) {
-            return false;
-        }
-        Files const& files = found->second;
-        if (format.level == levelProxy) {
-            file = files.proxies.empty() ? std::nullopt : std::optional(files.proxies.front());
-        } else {
-            file = files.original;
-        }
-    }
-    if (file) {
+    auto const found = media_->find(cookie);
+    MediaFileInfo const* const file = found ? found->second.ofLevel(format.level) : nullptr;
+    if (file != nullptr) {
         filename = file->getPhysicalFilename();
     }
-    return file.has_value();
+    return file != nullptr;
 }
 
 Ox::Ptr<FsysDirectoryEntry> MemoryCatalogue::findEntryForCookie(Cookie const& cookie) {
-    std::lock_guard const scope(lock_);
-    auto const found = find(cookie);
-    return found == entries_.end() ? Ox::Ptr<FsysDirectoryEntry>() : entryOf(found->first, found->second);
+    auto const found = media_->find(cookie);
+    return found ? Ox::makePtr<FsysDirectoryEntry>(found->first, found->second, media_)
+                 : Ox::Ptr<FsysDirectoryEntry>();
 }
 
 std::vector<Ox::Ptr<FsysDirectoryEntry>> MemoryCatalogue::getClipMediaFiles(Cookie const& clip) {
-    std::lock_guard const scope(lock_);
     std::vector<Ox::Ptr<FsysDirectoryEntry>> entries;
-    for (auto const& [cookie, files] : entries_) {
-        if (cookie.uuid() == clip.uuid()) {
-            entries.push_back(entryOf(cookie, files));
-        }
+    for (auto const& [cookie, media] : media_->findClip(clip.uuid())) {
+        entries.push_back(Ox::makePtr<FsysDirectoryEntry>(cookie, media, media_));
     }
     return entries;
 }
 
 void MemoryCatalogue::addFile(Cookie const& cookie, MediaFileInfo const& file, bool) {
-    std::lock_guard const scope(lock_);
-    Files& files = entries_[cookie];
-    if (file.isProxy()) {
-        files.proxies.push_back(file);
-    } else {
-        files.original = file;
-    }
+    media_->change(cookie, [&](CookieMedia& media) { media.add(file); });
 }
 
-/// The files are deleted without the lock, and what is gone already is no failure.
+/// The files are deleted without a lock, and what is gone already is no failure.
 OxResult MemoryCatalogue::removeFile(Cookie const& cookie, eMediaTypes types, bool) {
     std::vector<MediaFileInfo> removed;
-    {
-        std::lock_guard const scope(lock_);
-        auto const found = entries_.find(cookie);
-        if (found == entries_.end()) {
-            return oxSuccess;
-        }
-        Files& files = found->second;
-        if ((types & mediaOriginal) != 0 && files.original) {
-            removed.push_back(*files.original);
-            files.original.reset();
-        }
-        if ((types & mediaProxy) != 0) {
-            removed.insert(removed.end(), files.proxies.begin(), files.proxies.end());
-            files.proxies.clear();
-        }
-        if (!files.original && files.proxies.empty()) {
-            entries_.erase(found);
-        }
-    }
+    media_->change(cookie, [&](CookieMedia& media) { removed = media.take(types); });
     return deleteOwnFiles(removed);
 }
 
@@ -148,19 +150,9 @@ void MemoryCatalogue::add(Cookie const& cookie, LightweightString<wchar_t> const
 }
 
 void MemoryCatalogue::remove(Cookie const& cookie, eProxyLevel level) {
-    std::lock_guard const scope(lock_);
-    auto const found = entries_.find(cookie);
-    if (found == entries_.end()) {
-        return;
-    }
-    if (level == levelProxy) {
-        found->second.proxies.clear();
-    } else {
-        found->second.original.reset();
-    }
-    if (!found->second.original && found->second.proxies.empty()) {
-        entries_.erase(found);
-    }
+    media_->change(cookie, [&](CookieMedia& media) {
+        static_cast<void>(media.take(level == levelProxy ? mediaProxy : mediaOriginal));
+    });
 }
 
 void MemoryCatalogue::setStartOffset(Cookie const& cookie, std::int32_t samples) {

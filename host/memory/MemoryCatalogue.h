@@ -2,7 +2,6 @@
 
 #include <map>
 #include <mutex>
-#include <optional>
 #include <vector>
 
 #include "header/SavHeader.h"
@@ -11,9 +10,12 @@
 
 /// The file catalogue in memory: the default, filled by the program.
 ///
-/// Threads  Any.
+/// Threads  Any. An entry may outlive the catalogue, and then changes what nobody looks at any more.
 class MemoryCatalogue final : public SystemCache, public MaterialInfo::iStore {
 public:
+    MemoryCatalogue();
+    ~MemoryCatalogue() override;
+
     [[nodiscard]] bool findFileForCookie(Cookie const& cookie, LightweightString<wchar_t>& filename,
                                          DecodeFormat const& format) override;
     [[nodiscard]] Ox::Ptr<FsysDirectoryEntry> findEntryForCookie(Cookie const& cookie) override;
@@ -36,18 +38,10 @@ public:
     [[nodiscard]] static MemoryCatalogue& instance();
 
 private:
-    /// What one cookie has.
-    struct Files {
-        std::optional<MediaFileInfo> original;
-        std::vector<MediaFileInfo> proxies;
-    };
-    using Entries = std::map<Cookie, Files>;
+    class Media;
 
-    /// Requires the lock.
-    [[nodiscard]] Entries::const_iterator find(Cookie const& cookie) const;
-
+    Ox::Ptr<Media> const media_;
     std::mutex lock_;
-    Entries entries_;
     std::map<Cookie, std::int32_t> startOffsets_;
     std::map<Cookie, SAV_HEADER> headers_;
 };

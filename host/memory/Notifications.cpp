@@ -1,4 +1,4 @@
-/// Repository events, drives, and disk notifications.
+/// Repository events and disk notifications.
 #include <map>
 #include <mutex>
 #include <string>
@@ -15,12 +15,6 @@ struct MessageTypes {
     std::map<std::string, NotifyMsgType> numbers;
 };
 
-struct Drives {
-    std::mutex lock;
-    std::map<DriveId, LightweightString<wchar_t>> roots;
-    std::map<std::string, DriveId> driveOfTask;
-};
-
 using RepositoryListeners = Listeners<iAssetRepository::Event>;
 using DiskListeners = Listeners<DiskNotification>;
 
@@ -32,42 +26,6 @@ Ox::Ptr<Ox::Guard> AssetRepositoryManager::addListener(Ox::Ptr<Listener> const& 
 
 void AssetRepositoryManager::fire(iAssetRepository::Event const& event) {
     immortal<RepositoryListeners>().callAll(event);
-}
-
-void DiskManager::setDriveRoot(DriveId const& drive, LightweightString<wchar_t> const& root) {
-    auto& drives = immortal<Drives>();
-    std::lock_guard const scope(drives.lock);
-    LightweightString<wchar_t> const separator(L"/");
-    drives.roots[drive] = !root.empty() && root.view().back() == L'/' ? root : root + separator;
-}
-
-void DiskManager::setDriveForTask(char const* task, DriveId const& drive) {
-    auto& drives = immortal<Drives>();
-    std::lock_guard const scope(drives.lock);
-    drives.driveOfTask[task] = drive;
-}
-
-DriveId DiskManager::getDriveForTask(char const* task, bool) const {
-    auto& drives = immortal<Drives>();
-    std::lock_guard const scope(drives.lock);
-    auto const named = drives.driveOfTask.find(task);
-    if (named != drives.driveOfTask.end()) {
-        return named->second;
-    }
-    return drives.roots.empty() ? DriveId() : drives.roots.begin()->first;
-}
-
-void DiskManager::removeDrive(DriveId const& drive) {
-    auto& drives = immortal<Drives>();
-    std::lock_guard const scope(drives.lock);
-    drives.roots.erase(drive);
-}
-
-LightweightString<wchar_t> DiskManager::getDriveRoot(DriveId const& drive) const {
-    auto& drives = immortal<Drives>();
-    std::lock_guard const scope(drives.lock);
-    auto const found = drives.roots.find(drive);
-    return found == drives.roots.end() ? LightweightString<wchar_t>() : found->second;
 }
 
 DiskManager& DiskManager::instance() {

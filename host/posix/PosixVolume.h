@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "ole/os/FileManager.h"
 
@@ -10,12 +11,12 @@ public:
     /// Empty, with the reason kept, for a path that isn't there.
     [[nodiscard]] static Ox::Ptr<iVolume> find(std::string const& path);
 
-    PosixVolume(std::uint32_t blockSize, std::uint64_t freeBytes)
-        : blockSize_(blockSize), freeBytes_(freeBytes) {}
+    PosixVolume(std::string path, std::uint32_t blockSize) : path_(std::move(path)), blockSize_(blockSize) {}
     [[nodiscard]] std::uint32_t getBlockSize() const override { return blockSize_; }
-    [[nodiscard]] std::uint64_t getFreeBytes() const override { return freeBytes_; }
+    /// Without what is kept back for the system.
+    [[nodiscard]] std::uint64_t getFreeBytes() const override;
 
 private:
+    std::string const path_;
     std::uint32_t const blockSize_;
-    std::uint64_t const freeBytes_;
 };

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <vector>
 
-#include "host/sqlite/ProjectFile.h"
+#include "host/sqlite/SqliteMedia.h"
 #include "toolkit/catalogue/SystemCache.h"
 
 /// The file catalogue of a project on disk. A question about one cookie reads the rows of that cookie and no
@@ -15,9 +14,7 @@
 class SqliteCatalogue final : public SystemCache {
 public:
     explicit SqliteCatalogue(std::shared_ptr<ProjectFile> file);
-    ~SqliteCatalogue() override;
-    SqliteCatalogue(SqliteCatalogue const&) = delete;
-    SqliteCatalogue& operator=(SqliteCatalogue const&) = delete;
+    explicit SqliteCatalogue(Ox::Ptr<SqliteMedia> media) : media_(std::move(media)) {}
 
     [[nodiscard]] bool findFileForCookie(Cookie const& cookie, LightweightString<wchar_t>& filename,
                                          DecodeFormat const& format) override;
@@ -28,19 +25,5 @@ public:
     OxResult removeFile(Cookie const& cookie, eMediaTypes types, bool option = false) override;
 
 private:
-    /// The media of one cookie.
-    struct Media {
-        Cookie cookie;
-        std::optional<MediaFileInfo> original;
-        std::vector<MediaFileInfo> proxies;
-    };
-
-    [[nodiscard]] std::optional<Media> find(Cookie const& cookie);
-    [[nodiscard]] std::optional<Media> read(Cookie const& cookie);
-    void takeRow(SqliteStatement const& row, int firstColumn, Media& media) const;
-
-    struct Statements;
-
-    std::shared_ptr<ProjectFile> const file_;
-    std::unique_ptr<Statements> statements_;  ///< Under the file's lock, their end as well.
+    Ox::Ptr<SqliteMedia> const media_;
 };

@@ -29,6 +29,14 @@ void SqliteStatement::bind(int index, std::int64_t number) {
     sqlite3_bind_int64(statement_.get(), index, number);
 }
 
+void SqliteStatement::bindCopy(int index, std::string_view text) {
+    sqlite3_bind_text64(statement_.get(), index, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+}
+
+void SqliteStatement::bindReal(int index, double number) {
+    sqlite3_bind_double(statement_.get(), index, number);
+}
+
 int SqliteStatement::step() {
     return sqlite3_step(statement_.get());
 }
@@ -39,6 +47,10 @@ void SqliteStatement::reset() {
 
 std::int64_t SqliteStatement::number(int column) const {
     return sqlite3_column_int64(statement_.get(), column);
+}
+
+double SqliteStatement::real(int column) const {
+    return sqlite3_column_double(statement_.get(), column);
 }
 
 std::string SqliteStatement::text(int column) const {
@@ -69,6 +81,17 @@ SqliteStatement SqliteDatabase::prepare(char const* sql) {
     sqlite3_stmt* statement = nullptr;
     sqlite3_prepare_v3(database_.get(), sql, -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
     return SqliteStatement(statement);
+}
+
+SqliteDatabase::Cost SqliteDatabase::getCost() const {
+    constexpr int keepCounting = 0;
+    Cost cost;
+    for (sqlite3_stmt* statement = sqlite3_next_stmt(database_.get(), nullptr); statement != nullptr;
+         statement = sqlite3_next_stmt(database_.get(), statement)) {
+        cost.fullScanSteps += sqlite3_stmt_status(statement, SQLITE_STMTSTATUS_FULLSCAN_STEP, keepCounting);
+        cost.machineSteps += sqlite3_stmt_status(statement, SQLITE_STMTSTATUS_VM_STEP, keepCounting);
+    }
+    return cost;
 }
 
 bool SqliteDatabase::isWhole() {

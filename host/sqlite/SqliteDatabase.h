@@ -20,6 +20,9 @@ public:
     /// Puts a value in the place `index`, from 1. The text must live until the statement is reset.
     void bind(int index, std::string_view text);
     void bind(int index, std::int64_t number);
+    /// The same with a text that is copied, and with a number of another kind.
+    void bindCopy(int index, std::string_view text);
+    void bindReal(int index, double number);
 
     /// SQLITE_ROW, SQLITE_DONE or an error.
     [[nodiscard]] int step();
@@ -27,6 +30,7 @@ public:
     void reset();
     /// A column of the row, from 0.
     [[nodiscard]] std::int64_t number(int column) const;
+    [[nodiscard]] double real(int column) const;
     [[nodiscard]] std::string text(int column) const;
 
 private:
@@ -49,6 +53,14 @@ public:
     [[nodiscard]] bool isOpen() const { return isOpen_; }
     [[nodiscard]] bool run(char const* sql);
     [[nodiscard]] SqliteStatement prepare(char const* sql);
+    /// The work of the statements that are there.
+    struct Cost {
+        /// Rows that were stepped over for want of an index.
+        std::int64_t fullScanSteps = 0;
+        /// Steps of SQLite's machine, of which each row that is visited takes some.
+        std::int64_t machineSteps = 0;
+    };
+    [[nodiscard]] Cost getCost() const;
     /// Whether SQLite finds the file's structure sound.
     [[nodiscard]] bool isWhole();
     /// True if the last error says that the file isn't a sound database at all.

@@ -34,7 +34,7 @@ class iVolume : public virtual iObject {
 public:
     /// The unit in which it is best read and written, in bytes.
     [[nodiscard]] virtual std::uint32_t getBlockSize() const = 0;
-    /// Bytes that this process may still write there.
+    /// What may still be written on it at this moment, in bytes; 0 if that isn't known.
     [[nodiscard]] virtual std::uint64_t getFreeBytes() const = 0;
 };
 

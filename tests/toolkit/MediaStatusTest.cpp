@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "tests/fakes/ScriptedFileManager.h"
-#include "toolkit/catalogue/MediaFileInfo.h"
+#include "toolkit/catalogue/FsysDirectoryEntry.h"
 
 namespace test {
 namespace {

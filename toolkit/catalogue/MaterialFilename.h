@@ -9,6 +9,8 @@ class DriveId {
 public:
     /// Stands for no drive.
     static constexpr char none = '0';
+    /// Answers the question for the drive of media that nobody knows.
+    static constexpr char unavailable = '\0';
 
     constexpr DriveId() = default;
     constexpr DriveId(char letter) : letter_(letter) {}
@@ -20,7 +22,8 @@ private:
     char letter_ = none;
 };
 
-/// A place on a media drive: the drive, and a path relative to its root.
+/// A place on a media drive: the drive, and a path relative to its root. `MediaFileInfo` tells the names of a file
+/// apart.
 class MaterialFilename {
 public:
     MaterialFilename() = default;

@@ -2,6 +2,7 @@
 
 #include "ole/os/OS.h"
 #include "toolkit/catalogue/DiskManager.h"
+#include "toolkit/catalogue/MaterialLink.h"
 
 LightweightString<wchar_t> MaterialFilename::getOsPath() const {
     if (path_.empty() || drive_ == DriveId::none) {
@@ -17,28 +18,8 @@ LightweightString<wchar_t> MediaFileInfo::getPhysicalFilename(bool asStored) con
     return asStored || stored.empty() ? stored : OS()->getFileManager().getMountedFilename(stored);
 }
 
-namespace {
-
-/// A file on another machine is there for whoever the file manager can ask for its size.
-std::uint32_t statusOf(MediaFileInfo const& file) {
-    LightweightString<wchar_t> const name = file.getPhysicalFilename();
-    bool const isThere = !name.empty() && OS()->getFileManager().fileExists(name);
-    return isThere ? MediaFileInfo::available : MediaFileInfo::missing;
-}
-
-}  // namespace
-
-std::uint32_t FsysDirectoryEntry::updateStatus(eMediaTypes types) {
-    std::uint32_t result = missing;
-    if ((types & mediaOriginal) != 0) {
-        status = statusOf(*this);
-        result = status;
-    }
-    if ((types & mediaProxy) != 0) {
-        for (MediaFileInfo& proxy : proxies_) {
-            proxy.status = statusOf(proxy);
-            result = proxy.status == available ? available : result;
-        }
-    }
-    return result;
+bool MediaFileInfo::createLinkFile(bool replaceExisting) const {
+    LightweightString<wchar_t> const place = getLinkFileName();
+    return !place.empty() && !physicalFilename.empty() &&
+           MaterialLink::createLink(place, physicalFilename, replaceExisting);
 }

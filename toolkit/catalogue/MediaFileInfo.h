@@ -1,29 +1,33 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
-#include "ole/Ox/OxObject.h"
-#include "toolkit/catalogue/Cookie.h"
+#include "ole/Ox/OxString.h"
 #include "toolkit/catalogue/MaterialFilename.h"
-#include "toolkit/catalogue/OpenType.h"
 
 /// One media file of a clip.
 ///
-/// Its names:
+/// The names that a file has:
 ///
-/// | Name          | Operation             | What it is                                                     |
-/// |---------------|-----------------------|----------------------------------------------------------------|
-/// | material      | `materialFilename`    | where the catalogue keeps the file: a drive and a path on it   |
-/// | link file     | `getLinkFileName`     | that place as the system takes it; it bears the clip's identity|
-/// | physical      | `getPhysicalFilename` | where the pixels and samples really are                        |
+/// | Name      | Operation                               | What it is                                           |
+/// |-----------|-----------------------------------------|------------------------------------------------------|
+/// | material  | `materialFilename`                      | where the catalogue keeps it: a drive and a path on  |
+/// |           |                                         | it, with the clip's identity in its last part        |
+/// | link file | `getLinkFileName`                       | the material's place as the system takes it. What    |
+/// |           |                                         | lies there are the media, or a link file to them     |
+/// | linked    | `FsysDirectoryEntry::getLinkedFilename` | where the link file points to; empty without a link  |
+/// | physical  | `getPhysicalFilename`                   | where the media really are: the linked name if there |
+/// |           |                                         | is one, else the place itself. It is the one under   |
+/// |           |                                         | which the file is open                               |
+/// | waveform  | `getWaveformDataFileFor`, of a cookie   | the picture of a sound's course, which is no media   |
 ///
-/// They differ for a file whose media lie elsewhere (`kindElsewhere`): a small file at the material's place
-/// then only points to them. Linked files and waveforms are named by the entry and the cookie.
+/// A file of `kindElsewhere` is reached by a link or through a store. One whose linked name is set is linked.
 class MediaFileInfo {
 public:
     /// In `kind`: the physical file lies elsewhere, and may be remote.
     static constexpr std::uint32_t kindElsewhere = 512;
+    /// In `kind`: the media lie at the material's place.
+    static constexpr std::uint32_t kindHere = 0;
     /// In `status`: the file can be read.
     static constexpr std::uint32_t available = 2;
     static constexpr std::uint32_t missing = 0;
@@ -45,41 +49,29 @@ public:
     /// The file at the material's place; empty if it has none, which makes it impossible to rename.
     [[nodiscard]] LightweightString<wchar_t> getLinkFileName() const { return materialFilename.getOsPath(); }
     void setMaterialFilename(MaterialFilename const& material) { materialFilename = material; }
+    /// True if both are the same file by their names.
+    [[nodiscard]] bool isSameFile(MediaFileInfo const& other) const {
+        return materialFilename == other.materialFilename && physicalFilename == other.physicalFilename;
+    }
+
+    /// Says where the media are: elsewhere, or with an empty name at the material's place.
+    void setLink(LightweightString<wchar_t> const& target) {
+        physicalFilename = target;
+        kind = target.empty() ? kindHere : kindElsewhere;
+    }
+    /// Writes the link file of a file that lies elsewhere.
+    ///
+    /// @param replaceExisting  as `MaterialLink::createLink` takes it
+    /// @return false if it has no link, no place, or couldn't be written; the last is logged
+    [[nodiscard]] bool createLinkFile(bool replaceExisting) const;
 
     MaterialFilename materialFilename;
     /// Set for media that lie elsewhere; empty for a file at the material's place.
     LightweightString<wchar_t> physicalFilename;
     std::uint32_t streamCount = 0;
-    std::uint32_t kind = 0;
+    std::uint32_t kind = kindHere;
     std::uint32_t status = available;
     /// Bytes.
     std::uint64_t size = 0;
     bool isProxyFile = false;
-};
-
-/// What the catalogue has for one cookie: its original, which the entry itself describes, and its proxies.
-///
-/// Threads  An entry is a picture of the catalogue at the time it was asked for, and belongs to who asked.
-class FsysDirectoryEntry : public virtual iObject, public MediaFileInfo {
-public:
-    FsysDirectoryEntry(Cookie const& cookie, MediaFileInfo const& original,
-                       std::vector<MediaFileInfo> proxies)
-        : MediaFileInfo(original), cookie_(cookie), proxies_(std::move(proxies)) {}
-
-    [[nodiscard]] Cookie const& getCookie() const { return cookie_; }
-    [[nodiscard]] std::vector<MediaFileInfo> const& getProxyFiles() const { return proxies_; }
-
-    /// True if the original's place holds a link to where the file really is.
-    [[nodiscard]] bool isLinked() const { return kind == kindElsewhere && !physicalFilename.empty(); }
-
-    /// Looks now whether the files are there, and keeps that as the `status` of each that was asked for. May take
-    /// as long as the file system or the network does.
-    ///
-    /// @param types  originals, proxies or both
-    /// @return `available` if one of them is, else `missing`
-    virtual std::uint32_t updateStatus(eMediaTypes types);
-
-private:
-    Cookie const cookie_;
-    std::vector<MediaFileInfo> proxies_;
 };

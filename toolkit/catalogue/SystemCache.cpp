@@ -1,5 +1,6 @@
 #include "toolkit/catalogue/SystemCache.h"
 
+#include "toolkit/catalogue/MediaDrive.h"
 #include "toolkit/catalogue/MediaExtensions.h"
 #include "toolkit/services/Paths.h"
 
@@ -21,17 +22,6 @@ MaterialFilename withExtension(MaterialFilename const& material) {
     return material;
 }
 
-LightweightString<wchar_t> folderFor(CookieType type) {
-    switch (static_cast<char>(type)) {
-        case 'V':
-            return L"Video/";
-        case 'S':
-            return L"Sound/";
-        default:
-            return {};
-    }
-}
-
 }  // namespace
 
 void SystemCache::addFile(Cookie const& cookie, MaterialFilename const& material, bool option) {
@@ -39,8 +29,40 @@ void SystemCache::addFile(Cookie const& cookie, MaterialFilename const& material
     addFile(cookie, MediaFileInfo(found, fileSize(found.getOsPath())), option);
 }
 
+void SystemCache::removeProxyFile(Cookie const& cookie, MediaFileInfo const& file) {
+    Ox::Ptr<FsysDirectoryEntry> const entry =
+        file.isProxy() ? findEntryForCookie(cookie) : Ox::Ptr<FsysDirectoryEntry>();
+    if (entry) {
+        entry->removeFile(file);
+    }
+}
+
+void SystemCache::renameProxyFile(Cookie const& cookie, LightweightString<wchar_t> const& from,
+                                  LightweightString<wchar_t> const& to) {
+    if (Ox::Ptr<FsysDirectoryEntry> const entry = findEntryForCookie(cookie)) {
+        entry->renameProxyFile(from, to);
+    }
+}
+
+std::uint32_t SystemCache::updateStatus(Cookie const& cookie, eMediaTypes types) {
+    Ox::Ptr<FsysDirectoryEntry> const entry = findEntryForCookie(cookie);
+    return entry ? entry->updateStatus(types) : MediaFileInfo::missing;
+}
+
+DriveId SystemCache::getDriveForCookie(Cookie const& cookie, EditChanType type) {
+    bool const isClip = cookie.type() == 'E';
+    Cookie const asked =
+        isClip ? convertCookie(cookie, type == videoChannel ? 'V' : 'S', Cookie::wholeClip) : cookie;
+    Ox::Ptr<FsysDirectoryEntry> const entry = findEntryForCookie(asked);
+    return entry ? entry->materialFilename.getDrive() : DriveId(DriveId::unavailable);
+}
+
+bool SystemCache::isEligible(LightweightString<wchar_t> const& name) {
+    return hasMediaExtension(name);
+}
+
 MaterialFilename getMaterialFilenameForCookie(Cookie const& cookie, DriveId const& drive) {
     bool const isOnADrive = drive != DriveId();
     return {drive,
-            (isOnADrive ? folderFor(cookie.type()) : LightweightString<wchar_t>()) + cookie.asWString()};
+            (isOnADrive ? MediaDrive::getFolder(cookie) : LightweightString<wchar_t>()) + cookie.asWString()};
 }

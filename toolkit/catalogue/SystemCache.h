@@ -5,8 +5,9 @@
 #include "ole/Ox/OxString.h"
 #include "ole/os/Errors.h"
 #include "toolkit/catalogue/Cookie.h"
-#include "toolkit/catalogue/MediaFileInfo.h"
+#include "toolkit/catalogue/FsysDirectoryEntry.h"
 #include "toolkit/catalogue/OpenType.h"
+#include "toolkit/edit/EditChanType.h"
 #include "toolkit/image/DecodeFormat.h"
 
 /// The file catalogue: which media file a cookie means.
@@ -34,7 +35,7 @@ public:
 
     // What follows serves those who change the catalogue; one that nobody changes needs none of it.
 
-    /// All that is known of a cookie's files; empty if it isn't known. Channel 255 as above.
+    /// All that is known of a cookie's files, and the way to change it; empty if it isn't known. Channel 255 as above.
     [[nodiscard]] virtual Ox::Ptr<FsysDirectoryEntry> findEntryForCookie(Cookie const&) { return {}; }
     /// The entries of all cookies of a clip, in the order of their cookies.
     [[nodiscard]] virtual std::vector<Ox::Ptr<FsysDirectoryEntry>> getClipMediaFiles(Cookie const&) {
@@ -60,6 +61,21 @@ public:
     virtual OxResult removeFile(Cookie const& /*cookie*/, eMediaTypes /*types*/, bool /*option*/ = false) {
         return oxFailure;
     }
+    /// Forgets a proxy of a cookie. Nothing is deleted, and a file that is no proxy changes nothing.
+    virtual void removeProxyFile(Cookie const& cookie, MediaFileInfo const& file);
+    /// See `FsysDirectoryEntry::renameProxyFile`.
+    virtual void renameProxyFile(Cookie const& cookie, LightweightString<wchar_t> const& from,
+                                 LightweightString<wchar_t> const& to);
+    /// See `FsysDirectoryEntry::updateStatus`; `missing` for a cookie that isn't known.
+    virtual std::uint32_t updateStatus(Cookie const& cookie, eMediaTypes types);
+
+    /// The drive on which the place of a cookie's original lies.
+    ///
+    /// @param type  of a clip's edit cookie: which of its media are meant. Any other cookie tells that itself
+    /// @return `DriveId::none` if its place is on no drive, `DriveId::unavailable` if the cookie isn't known
+    [[nodiscard]] virtual DriveId getDriveForCookie(Cookie const& cookie, EditChanType type);
+    /// True for the bare name of a file that the catalogue would take as media.
+    [[nodiscard]] virtual bool isEligible(LightweightString<wchar_t> const& name);
 };
 
 /// Where new material of a cookie belongs on a drive: in the folder of its medium, under its name, without an

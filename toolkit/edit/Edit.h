@@ -6,20 +6,13 @@
 #include "ole/Ox/OxIdentified.h"
 #include "ole/Ox/OxObject.h"
 #include "toolkit/catalogue/Cookie.h"
+#include "toolkit/edit/EditChanType.h"
 #include "toolkit/services/ConfigB.h"
 #include "toolkit/sound/AudioMetadata.h"
 #include "toolkit/sound/SampleRate.h"
 
 template <class T>
 using Vector = std::vector<T>;
-
-/// Which channels of a clip are meant: 1 video, 2 audio.
-using EditChanType = std::uint32_t;
-inline constexpr EditChanType videoChannel = 1;
-inline constexpr EditChanType audioChannel = 2;
-
-/// Which of them more exactly: 0 all.
-using EditChanSubType = std::uint32_t;
 
 /// What kind of clip an edit is.
 enum eLogType : std::uint32_t {

@@ -1,0 +1,167 @@
+#include "host/sqlite/SqliteMedia.h"
+
+#include "host/sqlite/StatementRun.h"
+
+namespace {
+
+/// Columns of a file, in the order in which all statements name them.
+enum eColumn {
+    columnPosition,
+    columnDrive,
+    columnPath,
+    columnLink,
+    columnKind,
+    columnStatus,
+    columnStreams,
+    columnSize
+};
+
+constexpr int originalPosition = 0;
+
+/// Adds the file of a row to `media`.
+void takeRow(StatementRun const& row, int firstColumn, CookieMedia& media) {
+    std::string const letter = row.text(firstColumn + columnDrive).str();
+    MediaFileInfo file(MaterialFilename(letter.empty() ? DriveId() : DriveId(letter.front()),
+                                        row.wideText(firstColumn + columnPath)),
+                       static_cast<std::uint64_t>(row.number(firstColumn + columnSize)));
+    file.physicalFilename = row.wideText(firstColumn + columnLink);
+    file.kind = row.count(firstColumn + columnKind);
+    file.status = row.count(firstColumn + columnStatus);
+    file.streamCount = row.count(firstColumn + columnStreams);
+    file.isProxyFile = row.number(firstColumn + columnPosition) != originalPosition;
+    media.add(file);
+}
+
+}  // namespace
+
+#define FILE_COLUMNS "position, drive, path, link, kind, status, streams, size"
+#define OF_COOKIE " WHERE clip = ?1 AND type = ?2 AND channel = ?3"
+
+struct SqliteMedia::Statements {
+    explicit Statements(ProjectFile& file)
+        : ofCookie(file.prepare("SELECT " FILE_COLUMNS " FROM media" OF_COOKIE " ORDER BY position")),
+          firstChannel(
+              file.prepare("SELECT channel FROM media WHERE clip = ?1 AND type = ?2 AND channel >= ?3"
+                           " ORDER BY channel LIMIT 1")),
+          ofClip(file.prepare("SELECT clip, type, channel, " FILE_COLUMNS
+                              " FROM media WHERE clip = ?1 ORDER BY type, channel, position")),
+          put(file.prepare("INSERT INTO media (clip, type, channel, " FILE_COLUMNS
+                           ") VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11)")),
+          removeCookie(file.prepare("DELETE FROM media" OF_COOKIE)),
+          removeClip(file.prepare("DELETE FROM media WHERE clip = ?1")) {}
+
+    SqliteStatement ofCookie;
+    SqliteStatement firstChannel;
+    SqliteStatement ofClip;
+    SqliteStatement put;
+    SqliteStatement removeCookie;
+    SqliteStatement removeClip;
+};
+
+#undef OF_COOKIE
+#undef FILE_COLUMNS
+
+SqliteMedia::SqliteMedia(std::shared_ptr<ProjectFile> file) : file_(std::move(file)) {
+    std::lock_guard const scope(file_->lock);
+    statements_ = std::make_unique<Statements>(*file_);
+}
+
+SqliteMedia::~SqliteMedia() {
+    std::lock_guard const scope(file_->lock);
+    statements_ = nullptr;
+}
+
+/// Requires the file's lock.
+CookieMedia SqliteMedia::read(Cookie const& cookie) {
+    CookieMedia media;
+    StatementRun rows(statements_->ofCookie);
+    rows.with(cookie);
+    while (rows.nextRow()) {
+        takeRow(rows, 0, media);
+    }
+    return media;
+}
+
+/// Most changes of a status change nothing: what there is to be changed is looked at first, so that those don't wait
+/// for other processes. The change itself is made to what is there once nobody else can change it.
+bool SqliteMedia::change(Cookie const& cookie, Change const& change, CookieMedia& now) {
+    std::lock_guard const scope(file_->lock);
+    CookieMedia media = read(cookie);
+    bool const isDone = !change(media) || file_->change("the media of " + cookie.asString().str(), [&] {
+        media = read(cookie);
+        return !change(media) || write(cookie, media);
+    });
+    if (isDone) {
+        now = media;
+    }
+    return isDone;
+}
+
+std::optional<SqliteMedia::Found> SqliteMedia::find(Cookie const& cookie) {
+    std::lock_guard const scope(file_->lock);
+    Found found{cookie, read(cookie)};
+    if (found.second.isEmpty() && cookie.channel() == Cookie::wholeClip) {
+        std::optional<std::uint8_t> channel;
+        {
+            StatementRun row(statements_->firstChannel);
+            row.with(convertCookie(cookie, cookie.type(), 0));
+            if (row.nextRow()) {
+                channel = static_cast<std::uint8_t>(row.number(0));
+            }
+        }
+        if (channel) {
+            found.first = convertCookie(cookie, cookie.type(), *channel);
+            found.second = read(found.first);
+        }
+    }
+    return found.second.isEmpty() ? std::nullopt : std::optional(std::move(found));
+}
+
+std::vector<SqliteMedia::Found> SqliteMedia::findClip(Cookie const& clip) {
+    constexpr int firstFileColumn = 3;
+    std::vector<Found> found;
+    std::lock_guard const scope(file_->lock);
+    StatementRun rows(statements_->ofClip);
+    rows.with(clip.asString(true).view());
+    while (rows.nextRow()) {
+        Cookie const cookie = rows.cookie(0);
+        if (found.empty() || found.back().first != cookie) {
+            found.emplace_back(cookie, CookieMedia());
+        }
+        takeRow(rows, firstFileColumn, found.back().second);
+    }
+    return found;
+}
+
+bool SqliteMedia::write(Cookie const& cookie, CookieMedia const& media) {
+    if (!StatementRun(statements_->removeCookie).with(cookie).isDone() ||
+        (media.original && !writeFile(cookie, originalPosition, *media.original))) {
+        return false;
+    }
+    std::int64_t position = originalPosition;
+    for (MediaFileInfo const& proxy : media.proxies) {
+        if (!writeFile(cookie, ++position, proxy)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool SqliteMedia::writeFile(Cookie const& cookie, std::int64_t position, MediaFileInfo const& file) {
+    char const letter = file.materialFilename.getDrive().letter();
+    return StatementRun(statements_->put)
+        .with(cookie)
+        .with(position)
+        .with(std::string_view(&letter, 1))
+        .with(file.materialFilename.getPath())
+        .with(file.physicalFilename)
+        .with(std::int64_t{file.kind})
+        .with(std::int64_t{file.status})
+        .with(std::int64_t{file.streamCount})
+        .with(static_cast<std::int64_t>(file.size))
+        .isDone();
+}
+
+bool SqliteMedia::removeClip(Cookie const& clip) {
+    return StatementRun(statements_->removeClip).with(clip.asString(true).view()).isDone();
+}
