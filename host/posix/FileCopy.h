@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "host/posix/CopyDestination.h"
 #include "host/posix/FileDescriptor.h"
 #include "ole/os/FileManager.h"
 
@@ -13,8 +14,7 @@
 ///
 /// The quickest way that source and destination allow is taken: a shared clone, a copy inside the
 /// kernel, or reading and writing. The last two go in pieces, with a call of the progress function
-/// after each, and each piece is sent on to the device as soon as it is written, so that the closing
-/// flush is short.
+/// after each.
 ///
 /// Units   Bytes.
 /// Errors  The reason of every failure is kept for the error service.
@@ -33,24 +33,19 @@ private:
 
     bool openSource();
     bool openDestination(bool replaceExisting);
-    bool openExistingDestination();
     Code fill();
     bool clone();
     Code copyPieces();
     long copyPieceInKernel();
     long copyPieceByBuffer();
-    bool writeBuffer(long byteCount);
-    void sendToDevice(std::uint64_t from, std::uint64_t byteCount);
     bool mayGoOn();
-    void removeDestination();
 
     std::string const sourcePath_;
-    std::string const destinationPath_;
     iFileManager::CopyProgress const progress_;
     void* const context_;
 
     FileDescriptor source_;
-    FileDescriptor destination_;
+    CopyDestination destination_;
     struct stat sourceStatus_ {};
     std::uint64_t copied_ = 0;
     Piece copyPiece_ = &FileCopy::copyPieceInKernel;
