@@ -20,6 +20,7 @@ endfunction()
 playfile_export(playfile_host host)
 playfile_export(playfile playfile)
 playfile_export(playfile_store store)
+playfile_export(playfile_remote remote)
 
 install(EXPORT playfile NAMESPACE playfile:: FILE playfileTargets.cmake
     DESTINATION "${PLAYFILE_PACKAGE_DIR}")

@@ -1,5 +1,6 @@
-# The three shared libraries: the host of the standard library and POSIX, the library itself,
-# and the hosts that keep their state in a store.
+# The shared libraries: the host of the standard library and POSIX, the library itself, the hosts that
+# keep their state in a store, and the host that reaches other machines. The last one is a library of
+# its own, so that a program which stays on its machine doesn't load what speaks to others.
 
 # playfile_add_library(NAME SOURCE...): a shared library, if there is a source.
 function(playfile_add_library name)
@@ -39,4 +40,13 @@ if(TARGET playfile_store)
     find_package(SQLite3 REQUIRED)
     playfile_link(playfile_store playfile playfile_host)
     target_link_libraries(playfile_store PRIVATE SQLite::SQLite3)
+endif()
+
+playfile_glob(sources host/remote/*.cpp)
+playfile_add_library(playfile_remote ${sources})
+if(TARGET playfile_remote)
+    find_package(CURL REQUIRED)
+    find_package(nlohmann_json REQUIRED)
+    playfile_link(playfile_remote playfile_host)
+    target_link_libraries(playfile_remote PRIVATE CURL::libcurl nlohmann_json::nlohmann_json)
 endif()

@@ -1,5 +1,6 @@
-# The package playfile: playfile::playfile (the library), playfile::host (what it stands on) and
-# playfile::store (hosts that keep their state). playfile_PLUGIN_DIR is where its plug-ins are.
+# The package playfile: playfile::playfile (the library), playfile::host (what it stands on),
+# playfile::store (hosts that keep their state) and playfile::remote (stores on other machines).
+# playfile_PLUGIN_DIR is where its plug-ins are.
 
 include("${CMAKE_CURRENT_LIST_DIR}/playfileTargets.cmake")
 

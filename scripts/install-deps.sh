@@ -12,9 +12,9 @@ packages=(
     clang clang-format clang-tidy libclang-rt-14-dev
     # libraries
     libsqlite3-dev libavcodec-dev libavformat-dev libavutil-dev libswscale-dev libpng-dev
-    nlohmann-json3-dev libcli11-dev
+    libcurl4-openssl-dev nlohmann-json3-dev libcli11-dev
     # tests, benches and test media
-    libgtest-dev libgmock-dev libbenchmark-dev libsndfile1-dev ffmpeg
+    libgtest-dev libgmock-dev libbenchmark-dev libsndfile1-dev ffmpeg curl
 )
 
 fail() {

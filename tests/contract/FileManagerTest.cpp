@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "host/remote/RemoteStores.h"
 #include "ole/os/OS.h"
 #include "tests/fakes/FailingFileManager.h"
 #include "tests/fakes/ForwardingFileManager.h"
@@ -17,7 +18,7 @@ namespace {
 using Name = LightweightString<wchar_t>;
 
 /// What every file manager must do, run on each that there is.
-enum class eImplementation { posix, forwarding, behindForwardingOS };
+enum class eImplementation { posix, forwarding, behindForwardingOS, behindRemoteStores };
 
 class FileManagerContract : public ::testing::TestWithParam<eImplementation> {
 protected:
@@ -26,6 +27,8 @@ protected:
             forwarding_ = std::make_unique<ForwardingFileManager>();
         } else if (GetParam() == eImplementation::behindForwardingOS) {
             system_ = std::make_unique<ForwardingOS>();
+        } else if (GetParam() == eImplementation::behindRemoteStores) {
+            remoteStores_ = std::make_unique<RemoteStores>();
         }
     }
     static iFileManager& files() { return OS()->getFileManager(); }
@@ -48,6 +51,7 @@ protected:
 private:
     std::unique_ptr<ForwardingFileManager> forwarding_;
     std::unique_ptr<ForwardingOS> system_;
+    std::unique_ptr<RemoteStores> remoteStores_;
 };
 
 TEST_P(FileManagerContract, ReadsWhatWasWritten) {
@@ -350,15 +354,18 @@ TEST_P(FileManagerContract, SeparatesFoldersWithASlash) {
 
 INSTANTIATE_TEST_SUITE_P(Implementations, FileManagerContract,
                          ::testing::Values(eImplementation::posix, eImplementation::forwarding,
-                                           eImplementation::behindForwardingOS),
+                                           eImplementation::behindForwardingOS,
+                                           eImplementation::behindRemoteStores),
                          [](auto const& tested) -> std::string {
                              switch (tested.param) {
                                  case eImplementation::posix:
                                      return "Posix";
                                  case eImplementation::forwarding:
                                      return "Forwarding";
-                                 default:
+                                 case eImplementation::behindForwardingOS:
                                      return "BehindForwardingOS";
+                                 default:
+                                     return "BehindRemoteStores";
                              }
                          });
 
