@@ -155,6 +155,13 @@ RemoteFileManager::Name RemoteFileManager::getDisplayFilename(Name const& name) 
     return before_.getDisplayFilename(fromUTF8(url->text.c_str()));
 }
 
+void RemoteFileManager::findFiles(Name const& pattern, std::vector<DirectoryItem>& items, bool files,
+                                  bool folders) {
+    if (!isHttpName(pattern)) {
+        before_.findFiles(pattern, items, files, folders);
+    }
+}
+
 iRemoteStore* RemoteFileManager::findRemoteStore(Name const& name) {
     return isHttpName(name) ? &immortal<HttpStore>() : before_.findRemoteStore(name);
 }

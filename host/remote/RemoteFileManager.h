@@ -43,6 +43,8 @@ public:
     [[nodiscard]] Name getMountedFilename(Name const& name) override;
     /// Without credentials, which are kept for the store, so that the result still names the file.
     [[nodiscard]] Name getDisplayFilename(Name const& name) override;
+    /// Of a store nothing is listed.
+    void findFiles(Name const& pattern, std::vector<DirectoryItem>& items, bool files, bool folders) override;
     [[nodiscard]] iRemoteStore* findRemoteStore(Name const& name) override;
 
 private:

@@ -169,6 +169,16 @@ TEST_F(RemoteFileManagerTest, NothingIsChangedInAStoreAndNobodyIsAsked) {
     EXPECT_EQ(0U, server_.count());
 }
 
+TEST_F(RemoteFileManagerTest, ListsNothingOfAStoreAndFoldersOfThisMachine) {
+    folder_.write("a.b", "contents");
+    std::vector<iFileManager::DirectoryItem> items;
+    files().findFiles(remote("/a.*"), items, true, true);
+    EXPECT_TRUE(items.empty());
+    EXPECT_EQ(0U, server_.count());
+    files().findFiles(folder_.name("a.*"), items, true, true);
+    EXPECT_EQ(1U, items.size());
+}
+
 TEST_F(RemoteFileManagerTest, ANameWithControlCharactersIsAskedForNowhere) {
     EXPECT_FALSE(files().fileExists(remote("/a\r\nX: y")));
     EXPECT_EQ(iFileManager::copyCannotAccess, copy("/a\nb"));
