@@ -1,7 +1,6 @@
 #include "host/sqlite/ProjectFile.h"
 
-#include <array>
-
+#include "host/sqlite/ProjectSchema.h"
 #include "ole/os/OS.h"
 #include "toolkit/services/Log.h"
 #include "toolkit/services/Paths.h"
@@ -14,18 +13,6 @@ constexpr char const* setApplicationId = "PRAGMA application_id = 1347180880";
 
 /// What was committed last may be lost with the power, but never the file.
 constexpr char const* surviveAPowerCut = "PRAGMA synchronous=NORMAL";
-
-/// Each brings a file from its version to the next one. Steps that were shipped are never changed.
-///
-/// A cookie is the 32 digits of its clip, its type as a number, and its channel. Of a cookie's media the
-/// original lies at position 0, and its proxies behind it in the order in which they came.
-constexpr std::array<char const*, 1> migrations = {
-    "CREATE TABLE media ("
-    " clip TEXT NOT NULL, type INTEGER NOT NULL, channel INTEGER NOT NULL, position INTEGER NOT NULL,"
-    " drive TEXT NOT NULL, path TEXT NOT NULL, link TEXT NOT NULL,"
-    " kind INTEGER NOT NULL, status INTEGER NOT NULL, streams INTEGER NOT NULL, size INTEGER NOT NULL,"
-    " PRIMARY KEY (clip, type, channel, position)) WITHOUT ROWID;"
-    "PRAGMA user_version = 1;"};
 
 std::int64_t numberOf(SqliteDatabase& database, char const* pragma) {
     SqliteStatement statement = database.prepare(pragma);
@@ -63,7 +50,7 @@ bool ProjectFile::prepareSchema(std::string& error) {
     bool const isNew = version == 0 && isEmptyFile(database_);
     bool const isMarked = numberOf(database_, "PRAGMA application_id") == applicationId;
     bool const isProject = isNew || (isMarked && version > 0);
-    bool isGood = isProject && version <= static_cast<std::int64_t>(migrations.size());
+    bool isGood = isProject && version <= projectSchemaVersion();
     if (!isProject) {
         error = name + "it is a database of another kind; choose another file";
     } else if (!isGood) {
@@ -72,9 +59,7 @@ bool ProjectFile::prepareSchema(std::string& error) {
     if (isGood && isNew) {
         isGood = database_.run(setApplicationId);
     }
-    for (std::size_t step = static_cast<std::size_t>(version); isGood && step < migrations.size(); ++step) {
-        isGood = database_.run(migrations[step]);
-    }
+    isGood = isGood && migrateProject(database_, version);
     isGood = isGood && database_.run("COMMIT") && database_.run(surviveAPowerCut);
     if (!isGood) {
         error = error.empty() ? name + database_.lastError() : error;
@@ -92,4 +77,12 @@ bool ProjectFile::change(std::string const& what, std::function<bool()> const& s
     LogBoth("The project \"%s\": %s was not written (%s); make room on its drive or allow writing there\n",
             path_.c_str(), what.c_str(), reason.c_str());
     return false;
+}
+
+bool ProjectFile::look(std::function<void()> const& steps) {
+    if (!database_.run("BEGIN")) {
+        return false;
+    }
+    steps();
+    return database_.run("COMMIT") || !database_.run("ROLLBACK");
 }

@@ -32,6 +32,11 @@ public:
     /// @param what  is changed, for the log
     /// @return      false if nothing was changed, which is logged
     bool change(std::string const& what, std::function<bool()> const& steps);
+    /// Runs `steps`, which all see the file as it is at one moment, whatever other processes do; false if they
+    /// couldn't be run. Requires `lock`.
+    bool look(std::function<void()> const& steps);
+    /// What its statements have cost since they were prepared. Requires `lock`.
+    [[nodiscard]] SqliteDatabase::Cost getCost() const { return database_.getCost(); }
     /// Whether the file's structure is sound. Takes as long as the file is large. Requires `lock`.
     [[nodiscard]] bool isWhole() { return database_.isWhole(); }
 

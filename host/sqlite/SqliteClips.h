@@ -1,0 +1,52 @@
+#pragma once
+
+#include <memory>
+
+#include "host/sqlite/ProjectFile.h"
+#include "toolkit/edit/ClipStore.h"
+
+/// The clips of a project on disk. A question about one clip reads the rows of that clip and no others.
+///
+/// Ownership  Shared by the store and by the clips that are open; it keeps the file open.
+/// Threads    Any, but where the file's lock is required.
+/// Errors     What can't be read isn't known; what can't be written is logged, and stays as it was.
+class SqliteClips final : public iClipKeeper {
+public:
+    explicit SqliteClips(std::shared_ptr<ProjectFile> file);
+    ~SqliteClips() override;
+    SqliteClips(SqliteClips const&) = delete;
+    SqliteClips& operator=(SqliteClips const&) = delete;
+
+    [[nodiscard]] std::optional<ClipRecord> find(Cookie const& clip) override;
+    bool change(Cookie const& clip, Change const& change) override;
+
+    /// Puts a record in place of what is known of a clip, nothing for an empty one. Requires the file's lock, in a
+    /// change of the file.
+    [[nodiscard]] bool write(Cookie const& clip, std::optional<ClipRecord> const& record);
+
+private:
+    struct Statements;
+
+    [[nodiscard]] std::optional<ClipRecord> read(Cookie const& clip);
+    void readTexts(Cookie const& clip, ClipRecord& record);
+    void readReferences(Cookie const& clip, ClipRecord& record);
+    void readStreams(Cookie const& clip, ClipRecord& record);
+    [[nodiscard]] bool isThere(Cookie const& clip);
+    [[nodiscard]] bool removeRows(Cookie const& clip);
+    [[nodiscard]] bool writeTexts(Cookie const& clip, ClipRecord const& record);
+    [[nodiscard]] bool writeReferences(Cookie const& clip, ClipRecord const& record);
+    [[nodiscard]] bool writeStreams(Cookie const& clip, ClipRecord const& record);
+
+    std::shared_ptr<ProjectFile> const file_;
+    std::unique_ptr<Statements> statements_;  ///< Under the file's lock, their end as well.
+};
+
+/// The clip database of a project on disk.
+///
+/// Threads  Any.
+class SqliteEditStore final : public ClipStore {
+public:
+    explicit SqliteEditStore(std::shared_ptr<ProjectFile> file)
+        : SqliteEditStore(Ox::makePtr<SqliteClips>(std::move(file))) {}
+    explicit SqliteEditStore(Ox::Ptr<SqliteClips> const& clips) : ClipStore(clips) {}
+};

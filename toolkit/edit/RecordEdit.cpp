@@ -1,0 +1,73 @@
+#include "toolkit/edit/RecordEdit.h"
+
+#include <numeric>
+#include <string>
+
+namespace {
+
+constexpr std::string_view channelsAttribute = "chans";
+
+}  // namespace
+
+configb const* RecordEdit::getDecodeSettings() const {
+    return record_.decodeSettings ? &*record_.decodeSettings : nullptr;
+}
+
+void RecordEdit::getChans(Vector<int>& channels, std::uint32_t kind, std::uint32_t) const {
+    bool const areVideo = kind == Edit::videoChannels;
+    channels.resize(areVideo ? record_.videoChannels : record_.audioChannels);
+    std::iota(channels.begin(), channels.end(), areVideo ? 0 : 1);
+}
+
+LightweightString<char> RecordEdit::getAttrib(LightweightString<char> const& name) const {
+    auto const found = record_.attributes.find(name);
+    if (found != record_.attributes.end()) {
+        return found->second;
+    }
+    return name.view() == channelsAttribute ? namesOfChannels() : LightweightString<char>();
+}
+
+LightweightString<char> RecordEdit::namesOfChannels() const {
+    std::string names = record_.videoChannels != 0 ? "V" : "";
+    for (std::uint32_t channel = 1; channel <= record_.audioChannels; ++channel) {
+        names += (names.empty() ? "A" : ",A") + std::to_string(channel);
+    }
+    return LightweightString<char>(names);
+}
+
+bool RecordEdit::wantsAudioMetadata() const {
+    std::optional<ClipRecord> const now = keeper_->find(cookie_);
+    return now && now->audioChannels != 0 && now->audioStreams.empty();
+}
+
+void RecordEdit::setAudioMetadata(std::vector<Aud::Metadata> const& streams) {
+    keeper_->change(cookie_, [&](std::optional<ClipRecord>& kept) {
+        if (kept) {
+            kept->audioStreams = streams;
+        }
+        return kept.has_value();
+    });
+}
+
+CookieVec RecordEdit::getReferences(std::uint32_t kind) const {
+    auto const found = record_.references.find(kind);
+    if (found == record_.references.end()) {
+        return ownChannels();
+    }
+    CookieVec cookies;
+    for (Cookie const& cookie : found->second) {
+        cookies.add(cookie);
+    }
+    return cookies;
+}
+
+CookieVec RecordEdit::ownChannels() const {
+    CookieVec cookies;
+    for (std::uint32_t channel = 0; channel < record_.videoChannels; ++channel) {
+        cookies.add(convertCookie(cookie_, 'V', static_cast<std::uint8_t>(channel)));
+    }
+    for (std::uint32_t channel = 1; channel <= record_.audioChannels; ++channel) {
+        cookies.add(convertCookie(cookie_, 'S', static_cast<std::uint8_t>(channel)));
+    }
+    return cookies;
+}
