@@ -21,6 +21,15 @@ public:
         return found == records_.end() ? std::nullopt : std::optional(found->second);
     }
 
+    [[nodiscard]] std::vector<std::pair<Cookie, std::uint32_t>> getAll() override {
+        std::lock_guard const scope(lock_);
+        std::vector<std::pair<Cookie, std::uint32_t>> all;
+        for (auto const& [clip, record] : records_) {
+            all.emplace_back(clip, record.logType);
+        }
+        return all;
+    }
+
     bool change(Cookie const& clip, Change const& change) override {
         std::lock_guard const scope(lock_);
         auto const found = records_.find(clip);

@@ -72,6 +72,17 @@ std::optional<ClipRecord> SqliteClips::find(Cookie const& clip) {
     return record;
 }
 
+std::vector<std::pair<Cookie, std::uint32_t>> SqliteClips::getAll() {
+    std::vector<std::pair<Cookie, std::uint32_t>> all;
+    std::lock_guard const scope(file_->lock);
+    SqliteStatement list =
+        file_->prepare("SELECT clip, type, channel, log_type FROM clips ORDER BY clip, type, channel");
+    for (StatementRun rows(list); rows.nextRow();) {
+        all.emplace_back(rows.cookie(0), rows.count(3));
+    }
+    return all;
+}
+
 bool SqliteClips::change(Cookie const& clip, Change const& change) {
     std::lock_guard const scope(file_->lock);
     return file_->change("the clip " + clip.asString(true).str(), [&] {

@@ -18,6 +18,7 @@ public:
     SqliteClips& operator=(SqliteClips const&) = delete;
 
     [[nodiscard]] std::optional<ClipRecord> find(Cookie const& clip) override;
+    [[nodiscard]] std::vector<std::pair<Cookie, std::uint32_t>> getAll() override;
     bool change(Cookie const& clip, Change const& change) override;
 
     /// Puts a record in place of what is known of a clip, nothing for an empty one. Requires the file's lock, in a

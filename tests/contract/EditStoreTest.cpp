@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <string>
@@ -230,6 +231,41 @@ TEST_P(EditStoreContract, ARecordTakesThePlaceOfAllThatWasKnown) {
     store_->set(clip_, record);
     EXPECT_TRUE(opened()->getAttrib("reel").empty());
     EXPECT_EQ(opened()->getAttrib("scene"), LightweightString<char>("7"));
+}
+
+TEST_P(EditStoreContract, FindsItsClipsByTheirKind) {
+    constexpr std::uint32_t everything = 0x804C;
+    std::vector<Cookie> clips;
+    for (std::uint32_t const logType : {logShot, logGroup, logImage}) {
+        clips.emplace_back(Ox::UUID::generate(), 'E', Cookie::wholeClip);
+        store_->setLogType(clips.back(), logType);
+    }
+    EXPECT_THAT(store_->search(1, logShot | logImage), testing::UnorderedElementsAre(clips[0], clips[2]));
+    EXPECT_THAT(store_->search(1, everything), testing::UnorderedElementsAreArray(clips));
+    EXPECT_THAT(store_->search(2, everything), IsEmpty());
+}
+
+TEST_P(EditStoreContract, SearchesInTheOrderOfTheCookies) {
+    for (int number = 0; number < 20; ++number) {
+        store_->add(Cookie(Ox::UUID::generate(), 'E', Cookie::wholeClip));
+    }
+    std::vector<Cookie> const found = store_->search(1, 0x8000);
+    EXPECT_EQ(found.size(), 20U);
+    EXPECT_TRUE(std::is_sorted(found.begin(), found.end()));
+}
+
+TEST_P(EditStoreContract, OnlyAStillStands) {
+    store_->setChannels(clip_, 1, 1);
+    auto const velocityOf = [&](std::uint32_t number) {
+        auto const edit = opened();
+        Ox::Ptr<Cel> const cel = edit->getCel(edit->getId(number));
+        return cel ? cel->get_strip_velocity(cel->get_start_ceh()) : -1.0;
+    };
+    EXPECT_EQ(velocityOf(0), 1.0);
+    store_->setIsImage(clip_, true);
+    EXPECT_EQ(velocityOf(0), 0.0);
+    EXPECT_EQ(velocityOf(1), 1.0);
+    EXPECT_EQ(velocityOf(2), -1.0);
 }
 
 TEST_P(EditStoreContract, CountsTheClipsThatAreOpen) {

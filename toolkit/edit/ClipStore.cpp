@@ -2,6 +2,13 @@
 
 #include "toolkit/edit/RecordEdit.h"
 
+namespace {
+
+constexpr std::uint32_t ownClips = 1;
+constexpr std::uint32_t anyKind = 0x8000;
+
+}  // namespace
+
 Ox::Ptr<Edit> ClipStore::open(Cookie const& cookie) {
     std::optional<ClipRecord> record = keeper_->find(cookie);
     if (!record) {
@@ -13,6 +20,19 @@ Ox::Ptr<Edit> ClipStore::open(Cookie const& cookie) {
 
 void ClipStore::close(Edit&) {
     --openCount_;
+}
+
+std::vector<Cookie> ClipStore::search(std::uint32_t source, std::uint32_t kinds) {
+    std::vector<Cookie> found;
+    if (source != ownClips) {
+        return found;
+    }
+    for (auto const& [cookie, logType] : keeper_->getAll()) {
+        if ((kinds & (logType | anyKind)) != 0) {
+            found.push_back(cookie);
+        }
+    }
+    return found;
 }
 
 bool ClipStore::change(Cookie const& cookie, std::function<void(ClipRecord&)> const& steps) {

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "toolkit/edit/ClipRecord.h"
@@ -19,6 +20,8 @@ public:
 
     /// Empty for a clip that isn't there.
     [[nodiscard]] virtual std::optional<ClipRecord> find(Cookie const& clip) = 0;
+    /// The clips that are there with their `eLogType`, in the order of their cookies.
+    [[nodiscard]] virtual std::vector<std::pair<Cookie, std::uint32_t>> getAll() = 0;
     /// Makes a change: on what is kept at this moment, all of it or nothing; false if it couldn't be kept.
     virtual bool change(Cookie const& clip, Change const& change) = 0;
 };
@@ -35,6 +38,8 @@ public:
 
     [[nodiscard]] Ox::Ptr<Edit> open(Cookie const& cookie) override;
     void close(Edit& edit) override;
+    /// Source 1 is all that is there. A clip is found if the mask has its log type or 0x8000.
+    [[nodiscard]] std::vector<Cookie> search(std::uint32_t source, std::uint32_t kinds) override;
     /// How many clips are open.
     [[nodiscard]] int getOpenCount() const { return openCount_; }
 

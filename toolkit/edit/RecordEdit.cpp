@@ -7,6 +7,16 @@ namespace {
 
 constexpr std::string_view channelsAttribute = "chans";
 
+/// A channel in one piece.
+class WholeCel final : public Cel {
+public:
+    explicit WholeCel(double velocity) : velocity_(velocity) {}
+    [[nodiscard]] double get_strip_velocity(ce_handle const&) const override { return velocity_; }
+
+private:
+    double const velocity_;
+};
+
 }  // namespace
 
 configb const* RecordEdit::getDecodeSettings() const {
@@ -47,6 +57,21 @@ void RecordEdit::setAudioMetadata(std::vector<Aud::Metadata> const& streams) {
         }
         return kept.has_value();
     });
+}
+
+IdStamp RecordEdit::getId(std::uint32_t number) const {
+    std::uint64_t const channels = std::uint64_t{record_.videoChannels} + record_.audioChannels;
+    return number < channels ? IdStamp(std::uint64_t{number} + 1) : IdStamp();
+}
+
+Ox::Ptr<Cel> RecordEdit::getCel(IdStamp const& channel) const {
+    bool const isVideo = channel.valid() && channel.value() <= record_.videoChannels;
+    bool const isAudio = channel.value() > record_.videoChannels &&
+                         channel.value() <= std::uint64_t{record_.videoChannels} + record_.audioChannels;
+    if (!isVideo && !isAudio) {
+        return {};
+    }
+    return Ox::makePtr<WholeCel>(isVideo && record_.isImage ? 0.0 : 1.0);
 }
 
 CookieVec RecordEdit::getReferences(std::uint32_t kind) const {

@@ -21,6 +21,10 @@ public:
     [[nodiscard]] bool wantsAudioMetadata() const override;
     void setAudioMetadata(std::vector<Aud::Metadata> const& streams) override;
     [[nodiscard]] Aud::SampleRate getAudioInputSampleRate() const override { return record_.audioInputRate; }
+    /// Its channels count from 1 here, video first.
+    [[nodiscard]] IdStamp getId(std::uint32_t number) const override;
+    /// A still stands, all else is shown as it was recorded.
+    [[nodiscard]] Ox::Ptr<Cel> getCel(IdStamp const& channel) const override;
     [[nodiscard]] CookieVec getReferences(std::uint32_t kind) const override;
 
 private:
