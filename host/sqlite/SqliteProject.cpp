@@ -73,6 +73,9 @@ bool SqliteProject::removeClip(Cookie const& clip) {
 }
 
 bool SqliteProject::setDriveRoot(DriveId const& drive, LightweightString<wchar_t> const& root) {
+    if (root.empty()) {
+        return removeDrive(drive);
+    }
     bool const isWritten = drives_.setDriveRoot(drive, root);
     if (isWritten && before_) {
         DiskManager::instance().setDriveRoot(drive, root);

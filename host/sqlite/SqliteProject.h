@@ -28,7 +28,8 @@ struct NewClip {
 /// are taken from the file when the project is installed.
 ///
 /// Ownership   The project owns its services; what is installed is taken out again by its end.
-/// Threads     Any; `install` and `uninstall` one at a time, when nobody uses the services.
+/// Threads     Any; `install` and `uninstall` one at a time, when nobody uses the services. Clips that are open are
+///             closed before the project goes; entries of the catalogue may outlive it.
 /// Errors      A call that changes something answers false if that couldn't be written, which is logged; then nothing of
 ///             it was.
 /// Deliberate  While the project is installed, the drives of the process are the project's and no others.
@@ -69,7 +70,7 @@ public:
         return material_.setStartOffset(cookie, samples);
     }
 
-    /// In the file, and in force at once if the project is installed.
+    /// In the file, and in force at once if the project is installed. An empty root takes the drive away.
     bool setDriveRoot(DriveId const& drive, LightweightString<wchar_t> const& root);
     bool removeDrive(DriveId const& drive);
     bool setDriveForTask(char const* task, DriveId const& drive);

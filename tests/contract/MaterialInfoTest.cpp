@@ -6,10 +6,12 @@
 #include <atomic>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "header/SavHeader.h"
 #include "host/memory/MemoryCatalogue.h"
 #include "host/sidecar/HeaderFiles.h"
+#include "host/sqlite/SqliteMaterialInfo.h"
 #include "tests/support/Installed.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Threads.h"
@@ -41,15 +43,19 @@ void expectSame(SAV_HEADER const& one, SAV_HEADER const& other) {
 }
 
 /// What every store of headers must do, run on each that there is.
-class MaterialInfoContract : public ::testing::TestWithParam<bool> {
+class MaterialInfoContract : public ::testing::TestWithParam<std::string> {
 protected:
     MaterialInfoContract() {
         for (Cookie const& cookie : {vision_, sound_}) {
             std::string const name = cookie.asString().str();
             MemoryCatalogue::instance().add(cookie, folder_.write(name + ".mov", "media"));
         }
-        if (GetParam()) {
+        if (GetParam() == "Sidecar") {
             store_ = std::make_unique<HeaderFiles>();
+        } else if (GetParam() == "Project") {
+            std::string error;
+            store_ =
+                std::make_unique<SqliteMaterialInfo>(ProjectFile::open(folder_.name("a.project"), error));
         }
         installed_.emplace(store_.get());
     }
@@ -139,8 +145,9 @@ TEST_P(MaterialInfoContract, AReaderMeetsOnlyWholeHeaders) {
     });
 }
 
-INSTANTIATE_TEST_SUITE_P(Implementations, MaterialInfoContract, ::testing::Bool(),
-                         [](auto const& tested) { return tested.param ? "Sidecar" : "Memory"; });
+INSTANTIATE_TEST_SUITE_P(Implementations, MaterialInfoContract,
+                         ::testing::Values("Memory", "Sidecar", "Project"),
+                         [](auto const& tested) { return tested.param; });
 
 }  // namespace
 }  // namespace test

@@ -286,6 +286,15 @@ TEST_F(SqliteProjectTest, ADriveThatIsSetWhileInstalledIsInForceAtOnce) {
     EXPECT_TRUE(project->getDrives().roots.empty());
 }
 
+TEST_F(SqliteProjectTest, ADriveWithoutARootIsNone) {
+    auto const project = open();
+    project->install();
+    ASSERT_TRUE(project->setDriveRoot(DriveId('A'), L"/a"));
+    ASSERT_TRUE(project->setDriveRoot(DriveId('A'), {}));
+    EXPECT_FALSE(DiskManager::instance().isMaterialVolume(DriveId('A')));
+    EXPECT_TRUE(project->getDrives().roots.empty());
+}
+
 TEST_F(SqliteProjectTest, WorksInALocalSpaceUntilAnotherIsCurrent) {
     auto const project = open();
     EXPECT_EQ(project->spaces().getCurrentProjectSpaceType(), ProjectSpacesManager::localSpace);
