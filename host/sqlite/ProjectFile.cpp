@@ -31,7 +31,7 @@ std::shared_ptr<ProjectFile> ProjectFile::open(LightweightString<wchar_t> const&
         static_cast<void>(OS()->getFileManager().createDirectory(folder));
     }
     std::shared_ptr<ProjectFile> file(new ProjectFile(toUTF8(path).str()));
-    return file->prepareSchema(error) ? file : nullptr;
+    return file->prepareSchema(error) && file->openLooks(error) ? file : nullptr;
 }
 
 ProjectFile::ProjectFile(std::string const& path) : path_(path), database_(path) {}
@@ -68,6 +68,14 @@ bool ProjectFile::prepareSchema(std::string& error) {
     return isGood;
 }
 
+bool ProjectFile::openLooks(std::string& error) {
+    looks_.emplace(path_);
+    if (!looks_->isOpen()) {
+        error = "the project \"" + path_ + "\" can't be read: " + looks_->lastError();
+    }
+    return looks_->isOpen();
+}
+
 bool ProjectFile::change(std::string const& what, std::function<bool()> const& steps) {
     if (database_.run("BEGIN IMMEDIATE") && steps() && database_.run("COMMIT")) {
         return true;
@@ -79,10 +87,20 @@ bool ProjectFile::change(std::string const& what, std::function<bool()> const& s
     return false;
 }
 
-bool ProjectFile::look(std::function<void()> const& steps) {
-    if (!database_.run("BEGIN")) {
-        return false;
-    }
+void ProjectFile::look(std::function<void()> const& steps) {
+    std::lock_guard const scope(lookLock);
+    bool const isOneMoment = looks_->run("BEGIN");
     steps();
-    return database_.run("COMMIT") || !database_.run("ROLLBACK");
+    if (isOneMoment) {
+        static_cast<void>(looks_->run("COMMIT"));
+    }
+}
+
+SqliteDatabase::Cost ProjectFile::getCost() {
+    std::scoped_lock const scope(lock, lookLock);
+    SqliteDatabase::Cost cost = database_.getCost();
+    SqliteDatabase::Cost const looks = looks_->getCost();
+    cost.fullScanSteps += looks.fullScanSteps;
+    cost.machineSteps += looks.machineSteps;
+    return cost;
 }

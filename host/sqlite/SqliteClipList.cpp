@@ -4,15 +4,15 @@
 
 struct SqliteClipList::Statements {
     explicit Statements(ProjectFile& file)
-        : page(file.prepare("SELECT clip, type, channel, name, log_type, video_channels, audio_channels"
-                            " FROM clips INDEXED BY clips_by_name"
-                            " WHERE (name, clip, type, channel) > (?1, ?2, ?3, ?4)"
-                            " ORDER BY name, clip, type, channel LIMIT ?5")),
-          media(file.prepare("SELECT position > 0, status = 2, kind = 512, size"
-                             " FROM media WHERE clip = ?1")),
-          byName(file.prepare(
+        : page(file.prepareLook("SELECT clip, type, channel, name, log_type, video_channels, audio_channels"
+                                " FROM clips INDEXED BY clips_by_name"
+                                " WHERE (name, clip, type, channel) > (?1, ?2, ?3, ?4)"
+                                " ORDER BY name, clip, type, channel LIMIT ?5")),
+          media(file.prepareLook("SELECT position > 0, status = 2, kind = 512, size"
+                                 " FROM media WHERE clip = ?1")),
+          byName(file.prepareLook(
               "SELECT clip, type, channel FROM clips WHERE name = ?1 ORDER BY clip, type, channel")),
-          count(file.prepare("SELECT count(*) FROM clips")) {}
+          count(file.prepareLook("SELECT count(*) FROM clips")) {}
 
     SqliteStatement page;
     SqliteStatement media;
@@ -21,18 +21,17 @@ struct SqliteClipList::Statements {
 };
 
 SqliteClipList::SqliteClipList(std::shared_ptr<ProjectFile> file) : file_(std::move(file)) {
-    std::lock_guard const scope(file_->lock);
+    std::lock_guard const scope(file_->lookLock);
     statements_ = std::make_unique<Statements>(*file_);
 }
 
 SqliteClipList::~SqliteClipList() {
-    std::lock_guard const scope(file_->lock);
+    std::lock_guard const scope(file_->lookLock);
     statements_ = nullptr;
 }
 
 std::vector<ClipSummary> SqliteClipList::getPage(ClipSummary const& after, std::uint32_t count) {
     std::vector<ClipSummary> page;
-    std::lock_guard const scope(file_->lock);
     file_->look([&] {
         StatementRun rows(statements_->page);
         bool const isFirst = !after.cookie.valid();
@@ -71,7 +70,7 @@ void SqliteClipList::readMedia(ClipSummary& clip) {
 
 std::vector<Cookie> SqliteClipList::find(LightweightString<wchar_t> const& name) {
     std::vector<Cookie> found;
-    std::lock_guard const scope(file_->lock);
+    std::lock_guard const scope(file_->lookLock);
     StatementRun rows(statements_->byName);
     rows.with(name);
     while (rows.nextRow()) {
@@ -81,7 +80,7 @@ std::vector<Cookie> SqliteClipList::find(LightweightString<wchar_t> const& name)
 }
 
 std::uint64_t SqliteClipList::getCount() {
-    std::lock_guard const scope(file_->lock);
+    std::lock_guard const scope(file_->lookLock);
     StatementRun row(statements_->count);
     return row.nextRow() ? static_cast<std::uint64_t>(row.number(0)) : 0;
 }

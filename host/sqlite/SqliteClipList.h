@@ -49,5 +49,5 @@ private:
     void readMedia(ClipSummary& clip);
 
     std::shared_ptr<ProjectFile> const file_;
-    std::unique_ptr<Statements> statements_;  ///< Under the file's lock, their end as well.
+    std::unique_ptr<Statements> statements_;  ///< Under the file's `lookLock`, their end as well.
 };

@@ -11,17 +11,27 @@ constexpr std::int64_t settingList = 1;
 
 #define OF_CLIP " WHERE clip = ?1 AND type = ?2 AND channel = ?3"
 
+struct SqliteClips::Questions {
+    template <class Prepare>
+    explicit Questions(Prepare const& prepare)
+        : get(prepare("SELECT name, log_type, is_image, video_channels, audio_channels, has_settings,"
+                      " audio_rate FROM clips" OF_CLIP)),
+          texts(prepare("SELECT list, key, value FROM clip_texts" OF_CLIP " ORDER BY list, position")),
+          references(prepare("SELECT to_clip, to_type, to_channel, kind, position"
+                             " FROM clip_references" OF_CLIP " ORDER BY kind, position")),
+          streams(prepare("SELECT channels, sample_format, sample_bytes, sample_bits, frame_samples,"
+                          " rate, codec, is_compressed FROM clip_streams" OF_CLIP " ORDER BY position")) {}
+
+    SqliteStatement get;
+    SqliteStatement texts;
+    SqliteStatement references;
+    SqliteStatement streams;
+};
+
 struct SqliteClips::Statements {
     explicit Statements(ProjectFile& file)
-        : get(file.prepare("SELECT name, log_type, is_image, video_channels, audio_channels, has_settings,"
-                           " audio_rate FROM clips" OF_CLIP)),
-          getTexts(
-              file.prepare("SELECT list, key, value FROM clip_texts" OF_CLIP " ORDER BY list, position")),
-          getReferences(file.prepare("SELECT to_clip, to_type, to_channel, kind, position"
-                                     " FROM clip_references" OF_CLIP " ORDER BY kind, position")),
-          getStreams(file.prepare("SELECT channels, sample_format, sample_bytes, sample_bits, frame_samples,"
-                                  " rate, codec, is_compressed FROM clip_streams" OF_CLIP
-                                  " ORDER BY position")),
+        : look([&](char const* sql) { return file.prepareLook(sql); }),
+          inChange([&](char const* sql) { return file.prepare(sql); }),
           put(file.prepare("INSERT INTO clips (clip, type, channel, name, log_type, is_image, video_channels,"
                            " audio_channels, has_settings, audio_rate)"
                            " VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10)")),
@@ -39,10 +49,8 @@ struct SqliteClips::Statements {
           removeReferences(file.prepare("DELETE FROM clip_references" OF_CLIP)),
           removeStreams(file.prepare("DELETE FROM clip_streams" OF_CLIP)) {}
 
-    SqliteStatement get;
-    SqliteStatement getTexts;
-    SqliteStatement getReferences;
-    SqliteStatement getStreams;
+    Questions look;
+    Questions inChange;
     SqliteStatement put;
     SqliteStatement putText;
     SqliteStatement putReference;
@@ -56,27 +64,26 @@ struct SqliteClips::Statements {
 #undef OF_CLIP
 
 SqliteClips::SqliteClips(std::shared_ptr<ProjectFile> file) : file_(std::move(file)) {
-    std::lock_guard const scope(file_->lock);
+    std::scoped_lock const scope(file_->lock, file_->lookLock);
     statements_ = std::make_unique<Statements>(*file_);
 }
 
 SqliteClips::~SqliteClips() {
-    std::lock_guard const scope(file_->lock);
+    std::scoped_lock const scope(file_->lock, file_->lookLock);
     statements_ = nullptr;
 }
 
 std::optional<ClipRecord> SqliteClips::find(Cookie const& clip) {
     std::optional<ClipRecord> record;
-    std::lock_guard const scope(file_->lock);
-    file_->look([&] { record = read(clip); });
+    file_->look([&] { record = read(statements_->look, clip); });
     return record;
 }
 
 std::vector<std::pair<Cookie, std::uint32_t>> SqliteClips::getAll() {
     std::vector<std::pair<Cookie, std::uint32_t>> all;
-    std::lock_guard const scope(file_->lock);
+    std::lock_guard const scope(file_->lookLock);
     SqliteStatement list =
-        file_->prepare("SELECT clip, type, channel, log_type FROM clips ORDER BY clip, type, channel");
+        file_->prepareLook("SELECT clip, type, channel, log_type FROM clips ORDER BY clip, type, channel");
     for (StatementRun rows(list); rows.nextRow();) {
         all.emplace_back(rows.cookie(0), rows.count(3));
     }
@@ -86,16 +93,16 @@ std::vector<std::pair<Cookie, std::uint32_t>> SqliteClips::getAll() {
 bool SqliteClips::change(Cookie const& clip, Change const& change) {
     std::lock_guard const scope(file_->lock);
     return file_->change("the clip " + clip.asString(true).str(), [&] {
-        std::optional<ClipRecord> record = read(clip);
+        std::optional<ClipRecord> record = read(statements_->inChange, clip);
         return !change(record) || write(clip, record);
     });
 }
 
-/// Requires the file's lock and a transaction.
-std::optional<ClipRecord> SqliteClips::read(Cookie const& clip) {
+/// Requires the lock of the questions and a transaction.
+std::optional<ClipRecord> SqliteClips::read(Questions& questions, Cookie const& clip) {
     ClipRecord record;
     {
-        StatementRun row(statements_->get);
+        StatementRun row(questions.get);
         row.with(clip);
         if (!row.nextRow()) {
             return std::nullopt;
@@ -110,14 +117,14 @@ std::optional<ClipRecord> SqliteClips::read(Cookie const& clip) {
         }
         record.audioInputRate = Aud::SampleRate(row.real(6));
     }
-    readTexts(clip, record);
-    readReferences(clip, record);
-    readStreams(clip, record);
+    readTexts(questions.texts, clip, record);
+    readReferences(questions.references, clip, record);
+    readStreams(questions.streams, clip, record);
     return record;
 }
 
-void SqliteClips::readTexts(Cookie const& clip, ClipRecord& record) {
-    StatementRun rows(statements_->getTexts);
+void SqliteClips::readTexts(SqliteStatement& statement, Cookie const& clip, ClipRecord& record) {
+    StatementRun rows(statement);
     rows.with(clip);
     while (rows.nextRow()) {
         if (rows.number(0) == attributeList) {
@@ -128,8 +135,8 @@ void SqliteClips::readTexts(Cookie const& clip, ClipRecord& record) {
     }
 }
 
-void SqliteClips::readReferences(Cookie const& clip, ClipRecord& record) {
-    StatementRun rows(statements_->getReferences);
+void SqliteClips::readReferences(SqliteStatement& statement, Cookie const& clip, ClipRecord& record) {
+    StatementRun rows(statement);
     rows.with(clip);
     while (rows.nextRow()) {
         std::vector<Cookie>& references = record.references[rows.count(3)];
@@ -140,8 +147,8 @@ void SqliteClips::readReferences(Cookie const& clip, ClipRecord& record) {
     }
 }
 
-void SqliteClips::readStreams(Cookie const& clip, ClipRecord& record) {
-    StatementRun rows(statements_->getStreams);
+void SqliteClips::readStreams(SqliteStatement& statement, Cookie const& clip, ClipRecord& record) {
+    StatementRun rows(statement);
     rows.with(clip);
     while (rows.nextRow()) {
         Aud::Metadata& stream = record.audioStreams.emplace_back();
@@ -157,7 +164,7 @@ void SqliteClips::readStreams(Cookie const& clip, ClipRecord& record) {
 }
 
 bool SqliteClips::isThere(Cookie const& clip) {
-    return StatementRun(statements_->get).with(clip).nextRow();
+    return StatementRun(statements_->inChange.get).with(clip).nextRow();
 }
 
 bool SqliteClips::removeRows(Cookie const& clip) {

@@ -26,12 +26,13 @@ public:
     [[nodiscard]] bool write(Cookie const& clip, std::optional<ClipRecord> const& record);
 
 private:
+    struct Questions;
     struct Statements;
 
-    [[nodiscard]] std::optional<ClipRecord> read(Cookie const& clip);
-    void readTexts(Cookie const& clip, ClipRecord& record);
-    void readReferences(Cookie const& clip, ClipRecord& record);
-    void readStreams(Cookie const& clip, ClipRecord& record);
+    [[nodiscard]] static std::optional<ClipRecord> read(Questions& questions, Cookie const& clip);
+    static void readTexts(SqliteStatement& statement, Cookie const& clip, ClipRecord& record);
+    static void readReferences(SqliteStatement& statement, Cookie const& clip, ClipRecord& record);
+    static void readStreams(SqliteStatement& statement, Cookie const& clip, ClipRecord& record);
     [[nodiscard]] bool isThere(Cookie const& clip);
     [[nodiscard]] bool removeRows(Cookie const& clip);
     [[nodiscard]] bool writeTexts(Cookie const& clip, ClipRecord const& record);
@@ -39,7 +40,7 @@ private:
     [[nodiscard]] bool writeStreams(Cookie const& clip, ClipRecord const& record);
 
     std::shared_ptr<ProjectFile> const file_;
-    std::unique_ptr<Statements> statements_;  ///< Under the file's lock, their end as well.
+    std::unique_ptr<Statements> statements_;  ///< Under the file's locks, their end as well.
 };
 
 /// The clip database of a project on disk.

@@ -17,13 +17,12 @@ DriveId driveOf(LightweightString<char> const& text) {
 
 DriveTable SqliteDrives::load() {
     DriveTable table;
-    std::lock_guard const scope(file_->lock);
     file_->look([&] {
-        SqliteStatement drives = file_->prepare("SELECT letter, root FROM drives ORDER BY letter");
+        SqliteStatement drives = file_->prepareLook("SELECT letter, root FROM drives ORDER BY letter");
         for (StatementRun rows(drives); rows.nextRow();) {
             table.roots[driveOf(rows.text(0))] = rows.wideText(1);
         }
-        SqliteStatement tasks = file_->prepare("SELECT task, letter FROM drive_tasks");
+        SqliteStatement tasks = file_->prepareLook("SELECT task, letter FROM drive_tasks");
         for (StatementRun rows(tasks); rows.nextRow();) {
             table.driveOfTask[rows.text(0).str()] = driveOf(rows.text(1));
         }

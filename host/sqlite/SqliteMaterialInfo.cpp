@@ -4,8 +4,8 @@
 
 struct SqliteMaterialInfo::Statements {
     explicit Statements(ProjectFile& file)
-        : get(file.prepare("SELECT samples FROM start_offsets"
-                           " WHERE clip = ?1 AND type = ?2 AND channel = ?3")),
+        : get(file.prepareLook("SELECT samples FROM start_offsets"
+                               " WHERE clip = ?1 AND type = ?2 AND channel = ?3")),
           put(file.prepare("INSERT OR REPLACE INTO start_offsets (clip, type, channel, samples)"
                            " VALUES (?1, ?2, ?3, ?4)")),
           removeClip(file.prepare("DELETE FROM start_offsets WHERE clip = ?1")) {}
@@ -16,18 +16,18 @@ struct SqliteMaterialInfo::Statements {
 };
 
 SqliteMaterialInfo::SqliteMaterialInfo(std::shared_ptr<ProjectFile> file) : file_(std::move(file)) {
-    std::lock_guard const scope(file_->lock);
+    std::scoped_lock const scope(file_->lock, file_->lookLock);
     statements_ = std::make_unique<Statements>(*file_);
 }
 
 SqliteMaterialInfo::~SqliteMaterialInfo() {
-    std::lock_guard const scope(file_->lock);
+    std::scoped_lock const scope(file_->lock, file_->lookLock);
     statements_ = nullptr;
 }
 
 std::int32_t SqliteMaterialInfo::getStartOffset(Cookie const& cookie) {
     {
-        std::lock_guard const scope(file_->lock);
+        std::lock_guard const scope(file_->lookLock);
         StatementRun row(statements_->get);
         row.with(cookie);
         if (row.nextRow()) {

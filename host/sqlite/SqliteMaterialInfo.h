@@ -33,6 +33,6 @@ private:
     struct Statements;
 
     std::shared_ptr<ProjectFile> const file_;
-    std::unique_ptr<Statements> statements_;  ///< Under the file's lock, their end as well.
+    std::unique_ptr<Statements> statements_;  ///< Under the file's locks, their end as well.
     HeaderFiles headers_;
 };

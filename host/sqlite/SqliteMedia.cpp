@@ -38,19 +38,24 @@ void takeRow(StatementRun const& row, int firstColumn, CookieMedia& media) {
 #define OF_COOKIE " WHERE clip = ?1 AND type = ?2 AND channel = ?3"
 
 struct SqliteMedia::Statements {
+    static constexpr char const* selectOfCookie =
+        "SELECT " FILE_COLUMNS " FROM media" OF_COOKIE " ORDER BY position";
+
     explicit Statements(ProjectFile& file)
-        : ofCookie(file.prepare("SELECT " FILE_COLUMNS " FROM media" OF_COOKIE " ORDER BY position")),
+        : ofCookie(file.prepareLook(selectOfCookie)),
+          ofCookieInChange(file.prepare(selectOfCookie)),
           firstChannel(
-              file.prepare("SELECT channel FROM media WHERE clip = ?1 AND type = ?2 AND channel >= ?3"
-                           " ORDER BY channel LIMIT 1")),
-          ofClip(file.prepare("SELECT clip, type, channel, " FILE_COLUMNS
-                              " FROM media WHERE clip = ?1 ORDER BY type, channel, position")),
+              file.prepareLook("SELECT channel FROM media WHERE clip = ?1 AND type = ?2 AND channel >= ?3"
+                               " ORDER BY channel LIMIT 1")),
+          ofClip(file.prepareLook("SELECT clip, type, channel, " FILE_COLUMNS
+                                  " FROM media WHERE clip = ?1 ORDER BY type, channel, position")),
           put(file.prepare("INSERT INTO media (clip, type, channel, " FILE_COLUMNS
                            ") VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11)")),
           removeCookie(file.prepare("DELETE FROM media" OF_COOKIE)),
           removeClip(file.prepare("DELETE FROM media WHERE clip = ?1")) {}
 
     SqliteStatement ofCookie;
+    SqliteStatement ofCookieInChange;
     SqliteStatement firstChannel;
     SqliteStatement ofClip;
     SqliteStatement put;
@@ -62,19 +67,19 @@ struct SqliteMedia::Statements {
 #undef FILE_COLUMNS
 
 SqliteMedia::SqliteMedia(std::shared_ptr<ProjectFile> file) : file_(std::move(file)) {
-    std::lock_guard const scope(file_->lock);
+    std::scoped_lock const scope(file_->lock, file_->lookLock);
     statements_ = std::make_unique<Statements>(*file_);
 }
 
 SqliteMedia::~SqliteMedia() {
-    std::lock_guard const scope(file_->lock);
+    std::scoped_lock const scope(file_->lock, file_->lookLock);
     statements_ = nullptr;
 }
 
-/// Requires the file's lock.
-CookieMedia SqliteMedia::read(Cookie const& cookie) {
+/// Requires the lock of the statement.
+CookieMedia SqliteMedia::read(SqliteStatement& ofCookie, Cookie const& cookie) {
     CookieMedia media;
-    StatementRun rows(statements_->ofCookie);
+    StatementRun rows(ofCookie);
     rows.with(cookie);
     while (rows.nextRow()) {
         takeRow(rows, 0, media);
@@ -85,12 +90,19 @@ CookieMedia SqliteMedia::read(Cookie const& cookie) {
 /// Most changes of a status change nothing: what there is to be changed is looked at first, so that those don't wait
 /// for other processes. The change itself is made to what is there once nobody else can change it.
 bool SqliteMedia::change(Cookie const& cookie, Change const& change, CookieMedia& now) {
-    std::lock_guard const scope(file_->lock);
-    CookieMedia media = read(cookie);
-    bool const isDone = !change(media) || file_->change("the media of " + cookie.asString().str(), [&] {
-        media = read(cookie);
-        return !change(media) || write(cookie, media);
-    });
+    CookieMedia media;
+    {
+        std::lock_guard const scope(file_->lookLock);
+        media = read(statements_->ofCookie, cookie);
+    }
+    bool isDone = true;
+    if (change(media)) {
+        std::lock_guard const scope(file_->lock);
+        isDone = file_->change("the media of " + cookie.asString().str(), [&] {
+            media = read(statements_->ofCookieInChange, cookie);
+            return !change(media) || write(cookie, media);
+        });
+    }
     if (isDone) {
         now = media;
     }
@@ -98,8 +110,8 @@ bool SqliteMedia::change(Cookie const& cookie, Change const& change, CookieMedia
 }
 
 std::optional<SqliteMedia::Found> SqliteMedia::find(Cookie const& cookie) {
-    std::lock_guard const scope(file_->lock);
-    Found found{cookie, read(cookie)};
+    std::lock_guard const scope(file_->lookLock);
+    Found found{cookie, read(statements_->ofCookie, cookie)};
     if (found.second.isEmpty() && cookie.channel() == Cookie::wholeClip) {
         std::optional<std::uint8_t> channel;
         {
@@ -111,7 +123,7 @@ std::optional<SqliteMedia::Found> SqliteMedia::find(Cookie const& cookie) {
         }
         if (channel) {
             found.first = convertCookie(cookie, cookie.type(), *channel);
-            found.second = read(found.first);
+            found.second = read(statements_->ofCookie, found.first);
         }
     }
     return found.second.isEmpty() ? std::nullopt : std::optional(std::move(found));
@@ -120,7 +132,7 @@ std::optional<SqliteMedia::Found> SqliteMedia::find(Cookie const& cookie) {
 std::vector<SqliteMedia::Found> SqliteMedia::findClip(Cookie const& clip) {
     constexpr int firstFileColumn = 3;
     std::vector<Found> found;
-    std::lock_guard const scope(file_->lock);
+    std::lock_guard const scope(file_->lookLock);
     StatementRun rows(statements_->ofClip);
     rows.with(clip.asString(true).view());
     while (rows.nextRow()) {

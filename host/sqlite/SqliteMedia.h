@@ -36,9 +36,9 @@ public:
 private:
     struct Statements;
 
-    [[nodiscard]] CookieMedia read(Cookie const& cookie);
+    [[nodiscard]] static CookieMedia read(SqliteStatement& ofCookie, Cookie const& cookie);
     [[nodiscard]] bool writeFile(Cookie const& cookie, std::int64_t position, MediaFileInfo const& file);
 
     std::shared_ptr<ProjectFile> const file_;
-    std::unique_ptr<Statements> statements_;  ///< Under the file's lock, their end as well.
+    std::unique_ptr<Statements> statements_;  ///< Under the file's locks, their end as well.
 };

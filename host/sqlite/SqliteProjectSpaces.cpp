@@ -24,8 +24,8 @@ private:
 }  // namespace
 
 int SqliteProjectSpaces::getCurrentProjectSpaceType() {
-    std::lock_guard const scope(file_->lock);
-    SqliteStatement current = file_->prepare("SELECT type FROM spaces WHERE is_current = 1");
+    std::lock_guard const scope(file_->lookLock);
+    SqliteStatement current = file_->prepareLook("SELECT type FROM spaces WHERE is_current = 1");
     bool const isAny = current && current.step() == SQLITE_ROW;
     return isAny ? static_cast<int>(current.number(0)) : localSpace;
 }
@@ -53,9 +53,8 @@ void SqliteProjectSpaces::setOpener(Opener opener) {
 
 std::vector<ProjectSpaceRecord> SqliteProjectSpaces::getAll() {
     std::vector<ProjectSpaceRecord> spaces;
-    std::lock_guard const scope(file_->lock);
     file_->look([&] {
-        SqliteStatement all = file_->prepare("SELECT name, type, is_current FROM spaces ORDER BY name");
+        SqliteStatement all = file_->prepareLook("SELECT name, type, is_current FROM spaces ORDER BY name");
         for (StatementRun rows(all); rows.nextRow();) {
             spaces.push_back({rows.wideText(0), static_cast<int>(rows.number(1)), {}, rows.number(2) != 0});
         }
@@ -68,7 +67,7 @@ std::vector<ProjectSpaceRecord> SqliteProjectSpaces::getAll() {
 
 std::vector<RemoteRoot> SqliteProjectSpaces::readRoots(Name const& space) {
     std::vector<RemoteRoot> roots;
-    SqliteStatement all = file_->prepare(
+    SqliteStatement all = file_->prepareLook(
         "SELECT path, local_path, other_path FROM space_roots WHERE space = ?1 ORDER BY position");
     StatementRun rows(all);
     rows.with(space);

@@ -4,8 +4,11 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <future>
+#include <set>
 #include <string>
 
 #include "tests/fakes/CallLog.h"
@@ -198,11 +201,7 @@ TEST_F(SqliteProjectTest, FindsClipsByTheirNamesInAnyScript) {
 
 TEST_F(SqliteProjectTest, AQuestionAboutOneClipCostsTheSameAmongThousands) {
     auto const costOfQuestions = [](SqliteProject& project, NewClip const& clip) {
-        auto const cost = [&] {
-            std::lock_guard const scope(project.file().lock);
-            return project.file().getCost();
-        };
-        auto const before = cost();
+        auto const before = project.file().getCost();
         LightweightString<wchar_t> name;
         EXPECT_TRUE(project.catalogue().findFileForCookie(videoOf(clip), name, DecodeFormat(1)));
         EXPECT_TRUE(project.catalogue().findEntryForCookie(Cookie(clip.cookie.uuid(), 'S', 255)));
@@ -212,7 +211,7 @@ TEST_F(SqliteProjectTest, AQuestionAboutOneClipCostsTheSameAmongThousands) {
         EXPECT_EQ(project.listClips({}, 1).size(), 1U);
         EXPECT_TRUE(project.edits().setName(clip.cookie, clip.record.name));
         project.catalogue().findEntryForCookie(videoOf(clip))->setLinkedFilename(L"/far/a");
-        auto const after = cost();
+        auto const after = project.file().getCost();
         EXPECT_EQ(after.fullScanSteps, 0);
         return after.machineSteps - before.machineSteps;
     };
@@ -444,6 +443,29 @@ TEST_F(SqliteProjectTest, WhoWaitsForAnotherGivesUpInTime) {
     EXPECT_TRUE(isGivenUp);
     EXPECT_THAT(log.log().back(), AllOf(HasSubstr("1 clips"), HasSubstr("locked")));
     EXPECT_TRUE(project->addClip(newClip("a")));
+}
+
+TEST_F(SqliteProjectTest, NoQuestionWaitsForAChange) {
+    auto const project = open();
+    NewClip const clip = newClip("a");
+    ASSERT_TRUE(project->addClip(clip));
+    project->install();
+    std::future<void> asked;
+    {
+        std::lock_guard const changing(project->file().lock);
+        asked = std::async(std::launch::async, [&] {
+            LightweightString<wchar_t> name;
+            EXPECT_TRUE(project->catalogue().findFileForCookie(videoOf(clip), name, DecodeFormat(1)));
+            EXPECT_EQ(project->catalogue().getClipMediaFiles(clip.cookie).size(), 2U);
+            EXPECT_EQ(MaterialInfo::get_start_offset(soundOf(clip)), 480);
+            EXPECT_TRUE(project->edits().open(clip.cookie));
+            EXPECT_EQ(project->listClips({}, 1).size(), 1U);
+            EXPECT_EQ(project->findClips(L"a").size(), 1U);
+            EXPECT_EQ(ProjectSpacesManager::instance()->getCurrentProjectSpaceType(), 0);
+        });
+        EXPECT_EQ(asked.wait_for(std::chrono::seconds(30)), std::future_status::ready);
+    }
+    asked.get();
 }
 
 /// Limits the length of every file that this process writes, as a full disk does.
