@@ -5,7 +5,11 @@
 
 #include "ole/Ox/OxString.h"
 #include "toolkit/catalogue/Cookie.h"
+#include "toolkit/catalogue/MaterialFilename.h"
 #include "toolkit/catalogue/OpenType.h"
+#include "toolkit/tasks/BackgroundTask.h"
+
+struct ExternalDownloadSettings;
 
 /// Answers questions about the media behind a clip: which files hold it, whether they are on this machine or
 /// remote, what is available and what can be downloaded.
@@ -65,4 +69,23 @@ public:
     static void getReferencedMediaFiles(CookieVec const& cookies, std::set<Cookie>& files);
     [[nodiscard]] static bool logsReferToRemoteMedia(CookieVec const& cookies, eMediaTypes types);
     [[nodiscard]] static bool logsReferToLocalMedia(CookieVec const& cookies, eMediaTypes types);
+
+    // What follows starts work: it puts a task on `UIBackgroundTasksQueue` and returns. A call that finds no
+    // clips starts one too, which has nothing to do.
+
+    /// A title with the clip's name behind it, or with the number of clips where it isn't exactly one.
+    [[nodiscard]] static LightweightString<wchar_t> makeTaskTitle(CookieVec const& cookies,
+                                                                  LightweightString<wchar_t> const& base);
+    /// Copies linked and remote media of the clips that the logs refer to into the material folders.
+    ///
+    /// @param title  as it is to be shown; empty for the usual one, without a clip's name
+    static void localiseMedia(CookieVec const& cookies, DriveId const& drive, bool originals, bool proxies,
+                              iBackgroundTask::eImportance importance,
+                              LightweightString<wchar_t> const& title);
+    /// The same of media that can be downloaded.
+    static void localiseRemoteMedia(CookieVec const& cookies, eMediaTypes mediaTypes,
+                                    iBackgroundTask::eImportance importance);
+    /// Copies remote media of those clips to a folder, and leaves the catalogue as it is.
+    static void downloadRemoteMedia(CookieVec const& cookies, eMediaTypes mediaTypes,
+                                    ExternalDownloadSettings const& settings);
 };

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "host/posix/Folders.h"
 #include "host/posix/PosixErrors.h"
 
 namespace {
@@ -23,8 +24,13 @@ bool isSameFile(struct stat const& a, struct stat const& b) {
 }  // namespace
 
 bool CopyDestination::open(bool replaceExisting) {
-    file_ = FileDescriptor(
-        ::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, newFileMode));
+    file_ = makeFile();
+    if (!file_.isOpen() && errno == ENOENT) {
+        if (!makeFolders(path_.substr(0, path_.rfind('/') + 1))) {
+            return false;
+        }
+        file_ = makeFile();
+    }
     if (file_.isOpen()) {
         isOurs_ = true;
         return true;
@@ -34,6 +40,11 @@ bool CopyDestination::open(bool replaceExisting) {
     }
     keepSystemError();
     return false;
+}
+
+FileDescriptor CopyDestination::makeFile() const {
+    return FileDescriptor(
+        ::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, newFileMode));
 }
 
 bool CopyDestination::openExisting() {

@@ -20,8 +20,8 @@ class CopyDestination {
 public:
     explicit CopyDestination(std::string path) : path_(std::move(path)) {}
 
-    /// Makes the file or, where `replaceExisting` allows it, opens the one that is there. A link isn't
-    /// followed, and only a regular file is taken.
+    /// Makes the file, with the folders in which it lies, or, where `replaceExisting` allows it, opens the one that is
+    /// there. A link isn't followed, and only a regular file is taken.
     [[nodiscard]] bool open(bool replaceExisting);
     [[nodiscard]] bool isSameFileAs(struct stat const& other) const;
     /// Drops what the file held.
@@ -39,6 +39,7 @@ public:
     [[nodiscard]] int get() const { return file_.get(); }
 
 private:
+    [[nodiscard]] FileDescriptor makeFile() const;
     [[nodiscard]] bool openExisting();
 
     std::string const path_;

@@ -11,7 +11,8 @@
 #include "host/posix/PosixErrors.h"
 
 // A destination that exists is opened without emptying it, so that a copy of a file onto itself, under
-// whatever name, is noticed before anything is lost. Every way out but success discards it.
+// whatever name, is noticed before anything is lost: it is done already. Every way out but success discards
+// it.
 
 namespace {
 
@@ -34,7 +35,13 @@ FileCopy::FileCopy(std::string source, std::string destination, iFileManager::Co
       destination_(std::move(destination)) {}
 
 iFileManager::eCopyRC FileCopy::run(bool replaceExisting) {
-    if (!openSource() || !openDestination(replaceExisting)) {
+    if (!openSource() || !destination_.open(replaceExisting)) {
+        return iFileManager::copyCannotAccess;
+    }
+    if (destination_.isSameFileAs(sourceStatus_)) {
+        return iFileManager::copied;
+    }
+    if (!destination_.empty()) {
         return iFileManager::copyCannotAccess;
     }
     Code code = iFileManager::copyFailed;
@@ -62,17 +69,6 @@ bool FileCopy::openSource() {
     }
     posix_fadvise(source_.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
     return true;
-}
-
-bool FileCopy::openDestination(bool replaceExisting) {
-    if (!destination_.open(replaceExisting)) {
-        return false;
-    }
-    if (destination_.isSameFileAs(sourceStatus_)) {
-        keepSystemError(EINVAL);
-        return false;
-    }
-    return destination_.empty();
 }
 
 iFileManager::eCopyRC FileCopy::fill() {

@@ -32,7 +32,6 @@ private:
     using Piece = long (FileCopy::*)();
 
     bool openSource();
-    bool openDestination(bool replaceExisting);
     Code fill();
     bool clone();
     Code copyPieces();

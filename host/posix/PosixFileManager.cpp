@@ -12,6 +12,7 @@
 #include <string>
 
 #include "host/posix/FileCopy.h"
+#include "host/posix/Folders.h"
 #include "host/posix/PosixErrors.h"
 #include "host/posix/PosixFile.h"
 #include "host/posix/PosixVolume.h"
@@ -20,7 +21,6 @@
 
 namespace {
 
-constexpr mode_t newFolderMode = 0777;
 constexpr std::uint64_t nanosecondsPerSecond = 1'000'000'000;
 constexpr wchar_t replacement = 0xFFFD;
 /// A letter alone before the colon is a drive of another system.
@@ -55,24 +55,6 @@ bool isUnfitForDisplay(wchar_t character) {
     auto const code = static_cast<std::uint32_t>(character);
     bool const isControl = code < 0x20 || (code >= 0x7F && code < 0xA0);
     return isControl || (code >= 0xD800 && code <= 0xDFFF) || code > 0x10FFFF;
-}
-
-bool isFolder(std::string const& path) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-}
-
-/// Makes one folder; true if it is there afterwards.
-bool makeFolder(std::string const& path) {
-    if (mkdir(path.c_str(), newFolderMode) == 0) {
-        return true;
-    }
-    int const error = errno;
-    if (isFolder(path)) {
-        return true;
-    }
-    keepSystemError(error);
-    return false;
 }
 
 /// The names in a folder, without "." and ".."; the folder may end in a separator, and empty is the current one.
@@ -154,17 +136,7 @@ iFileManager::DirectoryItem PosixFileManager::getFileInfo(Name const& path) {
 }
 
 bool PosixFileManager::createDirectory(Name const& path) {
-    std::string const folder = systemPath(path);
-    if (folder.empty()) {
-        keepSystemError(ENOENT);
-        return false;
-    }
-    for (std::size_t end = folder.find('/', 1); end != std::string::npos; end = folder.find('/', end + 1)) {
-        if (!makeFolder(folder.substr(0, end))) {
-            return false;
-        }
-    }
-    return makeFolder(folder);
+    return makeFolders(systemPath(path));
 }
 
 Ox::Ptr<iFile> PosixFileManager::openFile(Name const& name, std::uint32_t access, std::uint32_t behaviour,

@@ -80,10 +80,10 @@ public:
 
     virtual ~iFileManager() = default;
 
-    /// Copies a file; `replaceExisting` false makes an existing destination a failure (2). The
+    /// Copies a file, and makes the folders in which it comes to lie; `replaceExisting` false makes an existing destination a failure (2). The
     /// destination is flushed to its device before the answer `copied`. A copy that fails or is stopped
     /// leaves no half destination behind. A link at the destination isn't followed: it makes the copy
-    /// fail (2).
+    /// fail (2). A copy of a file onto itself is done already.
     [[nodiscard]] virtual eCopyRC copyFile(LightweightString<wchar_t> const& source,
                                            LightweightString<wchar_t> const& destination,
                                            bool replaceExisting, CopyProgress progress, void* context) = 0;

@@ -167,16 +167,28 @@ TEST_P(FileManagerContract, CopyReplacesAnExistingDestination) {
     EXPECT_EQ("new", folder_.read("to"));
 }
 
-TEST_P(FileManagerContract, CopyOntoItselfLosesNothing) {
+TEST_P(FileManagerContract, ACopyMakesTheFoldersInWhichItComesToLie) {
     folder_.write("from", "contents");
-    EXPECT_EQ(iFileManager::copyCannotAccess, copy("from", "from", true));
+    EXPECT_EQ(iFileManager::copied, copy("from", "a/b/to", false));
+    EXPECT_EQ("contents", folder_.read("a/b/to"));
+}
+
+TEST_P(FileManagerContract, ACopyBelowAFileFails) {
+    folder_.write("from", "contents");
+    EXPECT_EQ(iFileManager::copyCannotAccess, copy("from", "from/b/to", false));
     EXPECT_EQ("contents", folder_.read("from"));
 }
 
-TEST_P(FileManagerContract, CopyOntoAnotherNameOfItselfLosesNothing) {
+TEST_P(FileManagerContract, ACopyOntoItselfIsDoneAndLosesNothing) {
+    folder_.write("from", "contents");
+    EXPECT_EQ(iFileManager::copied, copy("from", "from", true));
+    EXPECT_EQ("contents", folder_.read("from"));
+}
+
+TEST_P(FileManagerContract, ACopyOntoAnotherNameOfItselfIsDoneAndLosesNothing) {
     folder_.write("from", "contents");
     std::filesystem::create_hard_link(folder_.file("from"), folder_.file("to"));
-    EXPECT_EQ(iFileManager::copyCannotAccess, copy("from", "to", true));
+    EXPECT_EQ(iFileManager::copied, copy("from", "to", true));
     EXPECT_EQ("contents", folder_.read("from"));
 }
 

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <limits>
+#include <string>
 
 #include "tests/fakes/ForwardingFileManager.h"
 
@@ -25,6 +27,11 @@ public:
     }
     void stopFailing() { firstToFail_ = std::numeric_limits<int>::max(); }
 
+    /// Called with its number before each call that counts.
+    std::function<void(int)> onCall;
+    /// What the last call that failed would have done: "copy", "size" and so on.
+    [[nodiscard]] std::string lastFailed() const { return lastFailed_.load(); }
+
     /// How many calls have come since the last `failAt`.
     [[nodiscard]] int getCalls() const { return calls_; }
     /// How many have failed since the last `failAt`: a loop over all calls ends with the first 0.
@@ -34,43 +41,53 @@ public:
 
     [[nodiscard]] eCopyRC copyFile(Name const& source, Name const& destination, bool replaceExisting,
                                    CopyProgress progress, void* context) override {
-        return fails() ? copyFailed
-                       : real().copyFile(source, destination, replaceExisting, progress, context);
+        return fails("copy") ? copyFailed
+                             : real().copyFile(source, destination, replaceExisting, progress, context);
     }
     [[nodiscard]] bool renameFile(Name const& from, Name const& to, bool replaceExisting) override {
-        return !fails() && real().renameFile(from, to, replaceExisting);
+        return !fails("rename") && real().renameFile(from, to, replaceExisting);
     }
-    bool deleteFile(Name const& path) override { return !fails() && real().deleteFile(path); }
-    [[nodiscard]] bool fileExists(Name const& path) override { return !fails() && real().fileExists(path); }
+    bool deleteFile(Name const& path) override { return !fails("delete") && real().deleteFile(path); }
+    [[nodiscard]] bool fileExists(Name const& path) override {
+        return !fails("exists") && real().fileExists(path);
+    }
     [[nodiscard]] DirectoryItem getFileInfo(Name const& path) override {
-        return fails() ? DirectoryItem{path} : real().getFileInfo(path);
+        return fails("info") ? DirectoryItem{path} : real().getFileInfo(path);
     }
     [[nodiscard]] bool createDirectory(Name const& path) override {
-        return !fails() && real().createDirectory(path);
+        return !fails("folder") && real().createDirectory(path);
     }
     [[nodiscard]] Ox::Ptr<iFile> openFile(Name const& name, std::uint32_t access, std::uint32_t behaviour,
                                           std::uint32_t share, std::uint32_t option) override {
-        return fails() ? Ox::Ptr<iFile>() : real().openFile(name, access, behaviour, share, option);
+        return fails("open") ? Ox::Ptr<iFile>() : real().openFile(name, access, behaviour, share, option);
     }
     [[nodiscard]] Ox::Ptr<iVolume> getVolume(Name const& path) override {
-        return fails() ? Ox::Ptr<iVolume>() : real().getVolume(path);
+        return fails("volume") ? Ox::Ptr<iVolume>() : real().getVolume(path);
     }
     [[nodiscard]] std::uint64_t getFileSize(Name const& path) override {
-        return fails() ? 0 : real().getFileSize(path);
+        return fails("size") ? 0 : real().getFileSize(path);
     }
     void findFiles(Name const& pattern, std::vector<DirectoryItem>& items, bool files,
                    bool folders) override {
-        if (!fails()) {
+        if (!fails("find")) {
             real().findFiles(pattern, items, files, folders);
         }
     }
 
 private:
-    bool fails() {
+    bool fails(char const* operation) {
         int const number = ++calls_;
-        return number >= firstToFail_ && number <= lastToFail_;
+        if (onCall) {
+            onCall(number);
+        }
+        bool const doesFail = number >= firstToFail_ && number <= lastToFail_;
+        if (doesFail) {
+            lastFailed_ = operation;
+        }
+        return doesFail;
     }
 
+    std::atomic<char const*> lastFailed_{""};
     std::atomic<int> calls_{0};
     std::atomic<int> firstToFail_{std::numeric_limits<int>::max()};
     std::atomic<int> lastToFail_{0};

@@ -2,6 +2,19 @@
 
 #include <utility>
 
+/// One piece, shown at one speed.
+class FakeCel : public Cel {
+public:
+    explicit FakeCel(double velocity) : velocity_(velocity) {}
+    [[nodiscard]] ce_handle get_start_ceh() const override { return ce_handle(3); }
+    [[nodiscard]] double get_strip_velocity(ce_handle const& piece) const override {
+        return piece.index() == 3 ? velocity_ : 1.0;
+    }
+
+private:
+    double const velocity_;
+};
+
 class FakeEdit : public Edit {
 public:
     FakeEdit(Cookie const& cookie, std::shared_ptr<CallLog> calls, std::unique_ptr<configb> settings)
@@ -31,6 +44,19 @@ public:
     }
     [[nodiscard]] EditItem getItemAt(IdStamp const& channel, double seconds) const override {
         return channel == IdStamp(7) && seconds == 1.5 ? facts.item : EditItem();
+    }
+
+    [[nodiscard]] bool isValid() const override { return facts.isValid; }
+    [[nodiscard]] IdStamp getId(std::uint32_t number) const override { return IdStamp(number + 1); }
+    [[nodiscard]] Ox::Ptr<Cel> getCel(IdStamp const& channel) const override {
+        bool const isThere = channel == IdStamp(1) && facts.velocity;
+        return isThere ? Ox::Ptr<Cel>(Ox::makePtr<FakeCel>(*facts.velocity)) : Ox::Ptr<Cel>();
+    }
+    void addModification(EditModifications const& modifications) override {
+        for (EditModification const& each : modifications.all()) {
+            calls_->add("edit.modification " + cookie_.asString().str() + " " + std::to_string(each.type) +
+                        " " + std::to_string(each.count));
+        }
     }
 
     bool wantsAudio = false;
@@ -186,6 +212,38 @@ OxResult FakeCatalogue::removeFile(Cookie const& cookie, eMediaTypes types, bool
     std::lock_guard const scope(lock_);
     entries_.erase(textOf(cookie));
     return removal;
+}
+
+void FakeCatalogue::removeProxyFile(Cookie const& cookie, MediaFileInfo const& file) {
+    calls_->add("catalogue.removeProxyFile " + textOf(cookie) + " " +
+                narrow(file.materialFilename.getPath()));
+    SystemCache::removeProxyFile(cookie, file);
+}
+
+void FakeCatalogue::renameProxyFile(Cookie const& cookie, LightweightString<wchar_t> const& from,
+                                    LightweightString<wchar_t> const& to) {
+    calls_->add("catalogue.renameProxyFile " + textOf(cookie) + " " + narrow(from) + " " + narrow(to));
+    SystemCache::renameProxyFile(cookie, from, to);
+}
+
+std::uint32_t FakeCatalogue::updateStatus(Cookie const& cookie, eMediaTypes types) {
+    calls_->add("catalogue.updateStatus " + textOf(cookie) + " " + std::to_string(types));
+    return SystemCache::updateStatus(cookie, types);
+}
+
+DriveId FakeCatalogue::getDriveForCookie(Cookie const& cookie, EditChanType type) {
+    calls_->add("catalogue.getDriveForCookie " + textOf(cookie) + " " + std::to_string(type));
+    return SystemCache::getDriveForCookie(cookie, type);
+}
+
+std::vector<Cookie> FakeCatalogue::search(std::uint32_t source, std::uint32_t kinds) {
+    calls_->add("projdb.search " + std::to_string(source) + " " + std::to_string(kinds));
+    std::lock_guard const scope(lock_);
+    std::vector<Cookie> cookies;
+    for (auto const& [text, edit] : edits_) {
+        cookies.push_back(edit->getCookie());
+    }
+    return cookies;
 }
 
 void FakeCatalogue::addFile(Cookie const& cookie, MaterialFilename const& material, bool option) {

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 
 #include "header/SavHeader.h"
@@ -60,6 +61,9 @@ public:
         std::string channels = {};
         /// What lies in channel 7 at second 1.5, and nowhere else.
         EditItem item = {};
+        bool isValid = true;
+        /// How fast its first channel is shown; none: it has no such channel.
+        std::optional<double> velocity = {};
     };
     void setFacts(Cookie const& cookie, ClipFacts const& facts);
     /// Says what a clip refers to, of one kind.
@@ -81,6 +85,14 @@ public:
     void addFile(Cookie const& cookie, MaterialFilename const& material, bool option) override;
     bool writeHeader(Cookie const& cookie, SAV_HEADER const& header) override;
     OxResult removeFile(Cookie const& cookie, eMediaTypes types, bool option) override;
+    /// Recorded as "catalogue.removeProxyFile", and so on.
+    void removeProxyFile(Cookie const& cookie, MediaFileInfo const& file) override;
+    void renameProxyFile(Cookie const& cookie, LightweightString<wchar_t> const& from,
+                         LightweightString<wchar_t> const& to) override;
+    std::uint32_t updateStatus(Cookie const& cookie, eMediaTypes types) override;
+    DriveId getDriveForCookie(Cookie const& cookie, EditChanType type) override;
+    /// Gives the edits that were added, in the order of their cookies.
+    std::vector<Cookie> search(std::uint32_t source, std::uint32_t kinds) override;
     bool findFileForCookie(Cookie const& cookie, LightweightString<wchar_t>& filename,
                            DecodeFormat const& format) override;
     std::int32_t getStartOffset(Cookie const& cookie) override;

@@ -57,7 +57,8 @@ bool MaterialLink::createLink(Name const& link, Name const& target, bool replace
     }
     iFileManager& files = OS()->getFileManager();
     Name const partial = partialNameFor(link);
-    if (writeText(partial, std::string(mark) + path) && files.renameFile(partial, link, replaceExisting)) {
+    if (files.createDirectory(getPath(link)) && writeText(partial, std::string(mark) + path) &&
+        files.renameFile(partial, link, replaceExisting)) {
         return true;
     }
     OxResult const error = lastWriteError();

@@ -15,7 +15,7 @@ public:
     /// The longest name of a target, in bytes. A longer text is no link's.
     static constexpr std::uint32_t longestTarget = 32 * 1024;
 
-    /// Writes a link file: whole, or not at all.
+    /// Writes a link file, and makes the folders in which it comes to lie: whole, or not at all.
     ///
     /// A symbolic link that lies at its place is never followed.
     ///

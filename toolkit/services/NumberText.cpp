@@ -29,6 +29,6 @@ LightweightString<wchar_t> bytesAsString(unsigned long byteCount, bool withUnit)
         ++unit;
     }
     unsigned long const whole = byteCount / divisor;
-    unsigned long const tenth = byteCount % divisor / (divisor / tenths + 1);
+    unsigned long const tenth = byteCount % divisor * tenths / divisor;
     return LightweightString<wchar_t>(std::to_wstring(whole) + L"." + std::to_wstring(tenth) + units[unit]);
 }
