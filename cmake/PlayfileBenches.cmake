@@ -29,3 +29,6 @@ playfile_add_comparison(playfile_soundbench sound)
 playfile_add_comparison(playfile_recordbench record)
 pkg_check_modules(PLAYFILE_SNDFILE REQUIRED IMPORTED_TARGET sndfile)
 target_link_libraries(playfile_soundbench PRIVATE PkgConfig::PLAYFILE_SNDFILE)
+
+playfile_add_comparison(playfile_remotebench remote)
+playfile_link(playfile_remotebench playfile_remote)

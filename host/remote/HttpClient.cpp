@@ -35,7 +35,7 @@ HttpOutcome HttpClient::fetch(HttpUrl const& url, iHttpReceiver& receiver) {
 HttpOutcome HttpClient::query(HttpUrl const& url, eHttpQuestion question, RemoteLimits::Time total,
                               iHttpReceiver& receiver) {
     if (resting_.isResting(url.store, now())) {
-        return {eHttpEnd::noAnswer, "its store gave no answer lately"};
+        return {eHttpEnd::notAsked, "its store gave no answer lately"};
     }
     HttpRequest request = requestFor(url);
     bool const isHead = question == eHttpQuestion::headers;

@@ -26,6 +26,7 @@ enum class eHttpEnd {
     refused,    ///< the receiver said false
     noAnswer,   ///< no connection, or nothing that could be used came of it
     broken,     ///< the connection was lost, or went silent, in the answer's body
+    notAsked,   ///< the store gave no answer lately
     misguided,  ///< redirected too often, or to where nobody goes
 };
 

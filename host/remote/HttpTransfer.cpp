@@ -143,6 +143,8 @@ void HttpTransfer::endWithCurl(CURLcode code) {
     } else if (code == CURLE_TOO_MANY_REDIRECTS) {
         endWith(eHttpEnd::misguided,
                 "it was redirected more than " + std::to_string(mostRedirections) + " times");
+    } else if (code == CURLE_UNSUPPORTED_PROTOCOL && answer_.blockCount() == 0) {
+        endWith(eHttpEnd::noAnswer, "what answers speaks no HTTP");
     } else if (code == CURLE_UNSUPPORTED_PROTOCOL || code == CURLE_URL_MALFORMAT) {
         endWith(eHttpEnd::misguided, "it was redirected to where no file is fetched from");
     } else if (code == CURLE_OPERATION_TIMEDOUT && !wasSent_) {

@@ -135,6 +135,7 @@ void RemoteCopy::judge(HttpOutcome const& outcome) {
             fail(iFileManager::copyCannotAccess, outcome.reason, "check the store's redirections", ELOOP);
             break;
         case eHttpEnd::noAnswer:
+        case eHttpEnd::notAsked:
         case eHttpEnd::refused:
             fail(iFileManager::copyCannotAccess, outcome.reason, checkStore, EHOSTUNREACH);
             break;

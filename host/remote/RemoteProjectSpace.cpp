@@ -71,7 +71,8 @@ RemoteProjectSpace::Document RemoteProjectSpace::clipDocument(Cookie const& cook
     return documents_.get(path, [&] { return fetch(path, clip); });
 }
 
-/// What couldn't be had is asked for again when the store is.
+/// What couldn't be had isn't asked for again for as long as a store rests; what wasn't asked for, as soon as the
+/// store may be.
 RemoteProjectSpace::Found RemoteProjectSpace::fetch(std::string const& path, std::string const& clip) const {
     RemoteLimits const& limits = client_->limits();
     Found const nothing{std::make_shared<SpaceDocument const>(), limits.rest};
@@ -89,6 +90,9 @@ RemoteProjectSpace::Found RemoteProjectSpace::fetch(std::string const& path, std
         LogBoth("\"%s\" can't be used: the store answers with status %d; check who may read there\n",
                 url->shown.c_str(), receiver.status());
         return nothing;
+    }
+    if (outcome.end == eHttpEnd::notAsked) {
+        return {nothing.answer, RemoteLimits::Time(0)};
     }
     if (outcome.end != eHttpEnd::complete && !isTooLong) {
         return nothing;

@@ -1,5 +1,8 @@
+#include <netinet/in.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
@@ -13,8 +16,43 @@ namespace {
 
 constexpr std::size_t mebibyte = 1024 * 1024;
 
+/// Where connections are neither made nor refused: those that fit wait already.
+class FullListener {
+public:
+    FullListener() {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        auto* const general = reinterpret_cast<sockaddr*>(&address);
+        sockets_.push_back(socket(AF_INET, SOCK_STREAM, 0));
+        EXPECT_EQ(0, bind(sockets_[0], general, size));
+        EXPECT_EQ(0, listen(sockets_[0], 0));
+        EXPECT_EQ(0, getsockname(sockets_[0], general, &size));
+        port_ = ntohs(address.sin_port);
+        for (int number = 0; number < 4; ++number) {
+            sockets_.push_back(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
+            static_cast<void>(connect(sockets_.back(), general, size));
+        }
+    }
+    ~FullListener() {
+        for (int const each : sockets_) {
+            close(each);
+        }
+    }
+    FullListener(FullListener const&) = delete;
+    FullListener& operator=(FullListener const&) = delete;
+
+    [[nodiscard]] std::string url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/a"; }
+
+private:
+    std::vector<int> sockets_;
+    int port_ = 0;
+};
+
 class RemoteCopyTest : public RemoteFixture {
 protected:
+    iFileManager::eCopyRC copyFrom(std::string const& url) { return copyName(folder_.name("to"), wide(url)); }
     static std::string pattern(std::size_t byteCount) {
         std::string text(byteCount, '\0');
         for (std::size_t index = 0; index < byteCount; ++index) {
@@ -271,6 +309,15 @@ TEST_F(RemoteCopyTest, ALengthThatIsNoNumberIsRefused) {
     }
 }
 
+TEST_F(RemoteCopyTest, ALengthThatIsNoNumberIsRefusedThoughOneWasStatedBefore) {
+    HttpScript script = file("contents");
+    server_.on("HEAD", "/a", script);
+    script.statedLength = "many";
+    server_.on("GET", "/a", script);
+    ASSERT_EQ(8U, files().getFileSize(remote("/a")));
+    EXPECT_NE(iFileManager::copied, copy("/a"));
+}
+
 TEST_F(RemoteCopyTest, TakesChunksWhoseLengthWasAskedForBefore) {
     HttpScript script = file("contents");
     server_.on("HEAD", "/a", script);
@@ -306,6 +353,20 @@ TEST_F(RemoteCopyTest, ASecureConnectionToWhoSpeaksNoneIsUnreadable) {
     EXPECT_FALSE(folder_.holds("to"));
 }
 
+TEST_F(RemoteCopyTest, AConnectionThatIsNotMadeInTimeIsUnreadable) {
+    FullListener const listener;
+    limits_.connect = soon;
+    install();
+    EXPECT_EQ(iFileManager::copyCannotAccess, copyFrom(listener.url()));
+    EXPECT_EQ(1U, log_.count("no connection within 60 ms"));
+}
+
+TEST_F(RemoteCopyTest, StopsWhileTheConnectionIsNotMade) {
+    FullListener const listener;
+    goesOn_ = [](Step const&) { return false; };
+    EXPECT_EQ(iFileManager::copyStopped, copyFrom(listener.url()));
+}
+
 TEST_F(RemoteCopyTest, AnAnswerThatDoesNotBeginInTimeIsUnreadable) {
     HttpScript script = file("contents");
     script.stall = HttpScript::eStall::beforeHeaders;
@@ -330,6 +391,15 @@ TEST_F(RemoteCopyTest, HeadersThatNeverEndAreNoAnswer) {
     script.hasEndlessHeaders = true;
     server_.on("/a", script);
     expectFailure(iFileManager::copyCannotAccess, "/a");
+    EXPECT_TRUE(isLogged("/a", {"headers don't end"}));
+}
+
+TEST_F(RemoteCopyTest, WhoSpeaksNoHttpGivesNoAnswer) {
+    HttpScript script = file("contents\r\n");
+    script.speaksHttp = false;
+    server_.on("/a", script);
+    expectFailure(iFileManager::copyCannotAccess, "/a");
+    EXPECT_TRUE(isLogged("/a", {"speaks no HTTP"}));
 }
 
 TEST_F(RemoteCopyTest, ABodyThatStallsFails) {
@@ -338,6 +408,14 @@ TEST_F(RemoteCopyTest, ABodyThatStallsFails) {
     install();
     expectFailure(iFileManager::copyFailed, "/a");
     EXPECT_TRUE(isLogged("/a", {"nothing came for 60 ms, after "}));
+}
+
+TEST_F(RemoteCopyTest, AFileThatTricklesInIsCopied) {
+    HttpScript script = file("contents");
+    script.isDripping = true;
+    server_.on("/a", script);
+    ASSERT_EQ(iFileManager::copied, copy("/a"));
+    EXPECT_EQ("contents", folder_.read("to"));
 }
 
 TEST_F(RemoteCopyTest, FollowsRedirections) {

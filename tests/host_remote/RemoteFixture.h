@@ -60,7 +60,10 @@ protected:
         return copyTo(folder_.name("to"), path, replaceExisting);
     }
     iFileManager::eCopyRC copyTo(Name const& to, std::string const& path, bool replaceExisting = false) {
-        return files().copyFile(remote(path), to, replaceExisting, &RemoteFixture::note, this);
+        return copyName(to, remote(path), replaceExisting);
+    }
+    iFileManager::eCopyRC copyName(Name const& to, Name const& from, bool replaceExisting = false) {
+        return files().copyFile(from, to, replaceExisting, &RemoteFixture::note, this);
     }
     /// The log has a line with this URL and all of these parts.
     [[nodiscard]] bool isLogged(std::string const& path, std::vector<std::string> const& parts) const {

@@ -38,6 +38,12 @@ protected:
     [[nodiscard]] std::vector<Name> originals() const { return space()->getOriginalFiles(clip_, 0); }
     [[nodiscard]] Name below(std::string const& path) const { return remote("/space/" + path); }
     [[nodiscard]] bool isClipLogged(std::string const& part) const { return isLogged(pathOf(clip_), {part}); }
+    /// An answer that ends before its body does.
+    static HttpScript dropping() {
+        HttpScript script = file("contents");
+        script.dropAfter = 3;
+        return script;
+    }
     /// A document that is refused as a whole, for this reason.
     void expectRefused(std::string const& text, std::string const& reason) {
         enter();
@@ -183,6 +189,7 @@ TEST_F(RemoteProjectSpaceTest, StopsReadingADocumentThatNeverEnds) {
     server_.on(pathOf(clip_), script);
     EXPECT_THAT(originals(), IsEmpty());
     EXPECT_TRUE(isClipLogged("more than 2097152 bytes"));
+    EXPECT_EQ(0U, log_.count("gave no answer"));
 }
 
 TEST_F(RemoteProjectSpaceTest, LeavesOutNamesThatLeadElsewhere) {
@@ -250,6 +257,27 @@ TEST_F(RemoteProjectSpaceTest, ASilentStoreDelaysOneQueryAndNoOther) {
     }
     EXPECT_EQ(1U, server_.count());
     EXPECT_EQ(1U, log_.count("isn't asked again for 10000 ms"));
+}
+
+TEST_F(RemoteProjectSpaceTest, AListingThatTricklesInWithoutEndDelaysForTheSetTimeOnly) {
+    limits_.query = soon;
+    enter();
+    HttpScript script = file(" ");
+    script.isDripping = script.isEndless = true;
+    script.statesLength = false;
+    server_.on(pathOf(clip_), script);
+    EXPECT_THAT(originals(), IsEmpty());
+    EXPECT_EQ(1U, log_.count("(not answered within 60 ms)"));
+}
+
+TEST_F(RemoteProjectSpaceTest, AClipThatWasNotAskedForIsAskedForWhenTheStoreHasRested) {
+    server_.on("/space/space.json", dropping());
+    EXPECT_THAT(space()->getRoots(), IsEmpty());
+    list(document(entry("a.mov")));
+    now_ += limits_.rest - RemoteLimits::Time(1);
+    EXPECT_THAT(originals(), IsEmpty());
+    now_ += RemoteLimits::Time(1);
+    EXPECT_THAT(originals(), SizeIs(1));
 }
 
 TEST_F(RemoteProjectSpaceTest, ADroppedListingIsNoListing) {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <chrono>
 #include <stdexcept>
 
 #include "tests/fakes/Gate.h"
@@ -15,6 +16,7 @@ namespace {
 
 constexpr int backlog = 64;
 constexpr std::size_t receiveBytes = 4096;
+constexpr std::chrono::milliseconds dripEvery{1};
 
 bool sendAll(int connection, std::string const& text) {
     for (std::size_t done = 0; done < text.size();) {
@@ -23,6 +25,16 @@ bool sendAll(int connection, std::string const& text) {
             return false;
         }
         done += static_cast<std::size_t>(part);
+    }
+    return true;
+}
+
+bool drip(int connection, std::string const& text) {
+    for (char const each : text) {
+        if (!sendAll(connection, std::string(1, each))) {
+            return false;
+        }
+        std::this_thread::sleep_for(dripEvery);
     }
     return true;
 }
@@ -206,6 +218,10 @@ bool HttpServer::answer(int connection, Request const& request, HttpScript const
     if (script.stall == HttpScript::eStall::beforeHeaders) {
         stall();
     }
+    if (!script.speaksHttp) {
+        sendAll(connection, body);
+        return false;
+    }
     if (!sendHeaders(connection, script, body.size(), closes)) {
         return false;
     }
@@ -226,12 +242,15 @@ bool HttpServer::sendHeaders(int connection, HttpScript const& script, std::size
     } else if (script.statesLength) {
         head += "Content-Length: " + script.statedLength.value_or(std::to_string(length)) + "\r\n";
     }
-    if (script.stall == HttpScript::eStall::amidHeaders) {
+    bool const isAmidHeaders = script.stall == HttpScript::eStall::amidHeaders;
+    if (isAmidHeaders || script.hasEndlessHeaders) {
         if (!sendAll(connection, head)) {
             return false;
         }
-        stall();
         head.clear();
+    }
+    if (isAmidHeaders) {
+        stall();
     }
     while (script.hasEndlessHeaders) {
         if (!sendAll(connection, "X-More: and more\r\n")) {
@@ -248,7 +267,8 @@ bool HttpServer::sendBody(int connection, HttpScript const& script, std::string 
     std::size_t const first = script.stall == HttpScript::eStall::afterBytes
                                   ? script.stallAfter
                                   : script.dropAfter.value_or(body.size());
-    if (!sendAll(connection, body.substr(0, first))) {
+    auto const send = script.isDripping ? &drip : &sendAll;
+    if (!send(connection, body.substr(0, first))) {
         return false;
     }
     if (script.stall == HttpScript::eStall::afterBytes) {
@@ -256,7 +276,7 @@ bool HttpServer::sendBody(int connection, HttpScript const& script, std::string 
         return !script.dropAfter && sendAll(connection, body.substr(first));
     }
     while (script.isEndless) {
-        if (!sendAll(connection, body)) {
+        if (!send(connection, body)) {
             return false;
         }
     }

@@ -31,8 +31,12 @@ struct HttpScript {
     std::optional<std::size_t> dropAfter;
     /// True sends the body again and again.
     bool isEndless = false;
+    /// True sends the body byte by byte, a millisecond apart.
+    bool isDripping = false;
     /// True sends a header line again and again.
     bool hasEndlessHeaders = false;
+    /// False sends the body alone.
+    bool speaksHttp = true;
     /// True keeps the connection open although the client wants it closed.
     bool staysOpen = false;
     /// True answers a request for a range with that range.
