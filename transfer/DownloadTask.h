@@ -61,6 +61,8 @@ public:
     [[nodiscard]] IdStamp getID() const override { return {}; }
     [[nodiscard]] LightweightString<wchar_t> getDescription() const override { return description; }
     [[nodiscard]] eImportance getImportance() const override { return importance; }
+    /// Bytes of all that is to be copied; 0 where that isn't known yet, and where frames are counted.
+    [[nodiscard]] std::uint64_t getTotalBytes() const { return countsFrames_ ? 0 : totalBytes.load(); }
 
 protected:
     using Name = LightweightString<wchar_t>;
@@ -120,4 +122,6 @@ private:
     [[nodiscard]] bool take(CopyJob& job);
     [[nodiscard]] eCopyRC saveAsWhatItIs(EditPtr& edit, Name const& source, Name const& destination);
     void announce(EditPtr const& edit, CopyJob const& job);
+
+    std::atomic<bool> countsFrames_{false};
 };

@@ -151,6 +151,7 @@ iFileManager::eCopyRC DownloadTask::saveImageSequence(Name const& source, Name c
     Name const inFolder = folder + Name(std::wstring(1, files().getPathSeparator()));
     getLog()->startSubTasks(count);
     totalBytes = count;
+    countsFrames_ = true;
     eCopyRC code = iFileManager::copied;
     std::uint32_t index = 0;
     do {

@@ -148,11 +148,6 @@ TEST_P(FileManagerContract, CopiesNoFolder) {
     EXPECT_EQ(iFileManager::copyCannotAccess, copy("from", "to"));
 }
 
-TEST_P(FileManagerContract, CopiesIntoNoFolderThatIsNotThere) {
-    folder_.write("from", "contents");
-    EXPECT_EQ(iFileManager::copyCannotAccess, copy("from", "missing/to"));
-}
-
 TEST_P(FileManagerContract, CopyLeavesAnExistingDestinationAlone) {
     folder_.write("from", "new");
     folder_.write("to", "old");

@@ -227,6 +227,11 @@ TransferWorld::Files TransferWorld::catalogue() const {
     return found;
 }
 
+bool TransferWorld::isProjectWhole() const {
+    std::lock_guard const scope(project_->file().lock);
+    return project_->file().isWhole();
+}
+
 std::string TransferWorld::fault() const {
     return faultOfDisk() + faultOfSources() + faultOfCatalogue();
 }

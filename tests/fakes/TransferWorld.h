@@ -47,6 +47,8 @@ public:
     [[nodiscard]] Files disk() const;
     /// What the catalogue says of each clip, names from the folder on.
     [[nodiscard]] Files catalogue() const;
+    [[nodiscard]] bool isProjectWhole() const;
+
     // What is wrong with the world, in words; empty if nothing is.
     [[nodiscard]] std::string fault() const;
     /// Half files under names that are reached through temporary ones.

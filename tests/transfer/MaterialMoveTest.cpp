@@ -288,7 +288,7 @@ TEST_F(MaterialMoveTest, OneClipThatFailsDoesNotKeepTheRestFromBeingCopied) {
 
 TEST_F(MaterialMoveTest, ProgressGoesFromNothingToAllByBytes) {
     addClipWithFile(1, 'M');
-    write("m/p.mov", "xxx");
+    write("m/p.mov", "123");
     catalogue_.addEntry(video(1), own('M', "v1.mov"), {asProxy(own('M', "p.mov"))});
     relocate({1});
     ASSERT_FALSE(log_->fractions.empty());

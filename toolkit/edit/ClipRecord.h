@@ -19,7 +19,8 @@ struct ClipRecord {
     std::uint32_t audioChannels = 0;
     /// Texts by their names. Where "chans" isn't among them, all channels are in use.
     std::map<LightweightString<char>, LightweightString<char>> attributes;
-    /// What the clip refers to, by kind. Of a kind that isn't there it refers to its own channels.
+    /// What the clip refers to, by kind. Of a kind that isn't there it refers to its own channels; where clips are asked
+    /// for, to itself, unless it is made of others.
     std::map<std::uint32_t, std::vector<Cookie>> references;
     std::optional<configb> decodeSettings;
     /// What its sound is; empty as long as that isn't known.

@@ -76,14 +76,24 @@ Ox::Ptr<Cel> RecordEdit::getCel(IdStamp const& channel) const {
 
 CookieVec RecordEdit::getReferences(std::uint32_t kind) const {
     auto const found = record_.references.find(kind);
-    if (found == record_.references.end()) {
-        return ownChannels();
-    }
     CookieVec cookies;
+    if (found == record_.references.end()) {
+        if (kind != Edit::clipReferences) {
+            return ownChannels();
+        }
+        if (!isMadeOfClips()) {
+            cookies.add(cookie_);
+        }
+        return cookies;
+    }
     for (Cookie const& cookie : found->second) {
         cookies.add(cookie);
     }
     return cookies;
+}
+
+bool RecordEdit::isMadeOfClips() const {
+    return (record_.logType & (logSequence | logGroup | logSync | logEffect)) != 0;
 }
 
 CookieVec RecordEdit::ownChannels() const {

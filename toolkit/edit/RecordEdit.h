@@ -28,6 +28,7 @@ public:
     [[nodiscard]] CookieVec getReferences(std::uint32_t kind) const override;
 
 private:
+    [[nodiscard]] bool isMadeOfClips() const;
     [[nodiscard]] CookieVec ownChannels() const;
     [[nodiscard]] LightweightString<char> namesOfChannels() const;
 

@@ -1,0 +1,100 @@
+/// Processes killed at every call of the file manager in every kind of transfer, and in the middle of every copy.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tests/fakes/LogRecorder.h"
+#include "tests/fakes/TransferWorld.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace test {
+namespace {
+
+/// Far more calls than any of the transfers makes.
+constexpr int mostCalls = 2000;
+
+class KilledTransfer : public testing::TestWithParam<std::string> {
+protected:
+    using Files = TransferWorld::Files;
+
+    struct End {
+        Files disk;
+        Files catalogue;
+
+        bool operator==(End const&) const = default;
+    };
+
+    static End endOf(TransferWorld const& world) {
+        End end{world.disk(), world.catalogue()};
+        std::erase_if(end.disk, [](auto const& file) { return file.first.ends_with(".partial"); });
+        return end;
+    }
+    static End undisturbed(int runs) {
+        TemporaryFolder const folder;
+        TransferWorld world(folder.file(""), GetParam());
+        world.prepare();
+        for (int run = 0; run < runs; ++run) {
+            world.run();
+        }
+        return endOf(world);
+    }
+    static bool isMove() { return GetParam() == "relocate-move"; }
+
+    /// True once the transfer made fewer calls than that.
+    bool killAt(int number, std::string const& when) {
+        TemporaryFolder const folder;
+        TransferWorld(folder.file(""), GetParam()).prepare();
+        ChildProcess runner("transfer_runner", {folder.file(""), GetParam(), std::to_string(number), when});
+        bool const isOver = runner.waitForEnd().exitCode == 0;
+        TransferWorld world(folder.file(""), GetParam());
+        std::string const where = when + " call " + std::to_string(number);
+        EXPECT_TRUE(world.isProjectWhole()) << where;
+        EXPECT_EQ(world.faultOfDisk() + world.faultOfSources(), "") << where;
+        // Deliberate: a move deletes the source before it corrects the catalogue.
+        if (!isMove()) {
+            EXPECT_EQ(world.faultOfCatalogue(), "") << where;
+        }
+        checkSecondRun(world, where);
+        return isOver;
+    }
+    /// Deliberate: a relocation passes over what is at its target, half files too.
+    void checkSecondRun(TransferWorld& world, std::string const& where) const {
+        world.run();
+        EXPECT_EQ(world.faultOfDisk() + world.faultOfSources(), "") << "a second run after " << where;
+        if (GetParam().rfind("relocate", 0) != 0) {
+            End const end = endOf(world);
+            EXPECT_TRUE(end == once_ || end == twice_) << "a second run after " << where;
+        }
+    }
+    void killAtEach(std::string const& when) {
+        int number = 1;
+        while (!killAt(number, when) && number < mostCalls) {
+            ++number;
+        }
+        EXPECT_GT(number, 3);
+        EXPECT_LT(number, mostCalls);
+    }
+
+    LogRecorder log_;
+    End const once_ = undisturbed(1);
+    End const twice_ = undisturbed(2);
+};
+
+TEST_P(KilledTransfer, BeforeEachCallLosesNothing) {
+    killAtEach("before");
+}
+
+TEST_P(KilledTransfer, InTheMiddleOfEachCopyLosesNothing) {
+    killAtEach("half");
+}
+
+INSTANTIATE_TEST_SUITE_P(Transfers, KilledTransfer, testing::ValuesIn(TransferWorld::scenarios()),
+                         [](auto const& tested) {
+                             std::string name = tested.param;
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
+
+}  // namespace
+}  // namespace test
