@@ -206,10 +206,18 @@ TEST_F(RemoteCopyTest, DoesNotWaitAtAPipe) {
     EXPECT_EQ(iFileManager::copyCannotAccess, copy("/a", true));
 }
 
-TEST_F(RemoteCopyTest, AFolderThatIsNotThereIsUnwritable) {
+TEST_F(RemoteCopyTest, APlaceBelowAFileIsUnwritable) {
+    folder_.write("file", "contents");
     server_.on("/a", file("new"));
-    EXPECT_EQ(iFileManager::copyCannotAccess, copyTo(folder_.name("none/to"), "/a"));
-    EXPECT_TRUE(isLogged("/a", {"none/to", "can't be written"}));
+    EXPECT_EQ(iFileManager::copyCannotAccess, copyTo(folder_.name("file/to"), "/a"));
+    EXPECT_TRUE(isLogged("/a", {"file/to", "can't be written"}));
+    EXPECT_EQ(0U, server_.count());
+}
+
+TEST_F(RemoteCopyTest, MakesTheFolderOfItsDestination) {
+    server_.on("/a", file("new"));
+    EXPECT_EQ(iFileManager::copied, copyTo(folder_.name("none/to"), "/a"));
+    EXPECT_EQ("new", folder_.read("none/to"));
 }
 
 TEST_F(RemoteCopyTest, AFullDiskFailsTheCopyAndLeavesNoDestination) {
