@@ -98,6 +98,20 @@ TEST_F(MaterialLinkTest, NeverFollowsASymbolicLinkWhenItReads) {
     EXPECT_EQ(target(), "");
 }
 
+TEST_F(MaterialLinkTest, MakesTheFoldersInWhichItLies) {
+    Name const deep = folder_.name("drive/Video/link.mov");
+    ASSERT_TRUE(MaterialLink::createLink(deep, L"/m/a", false));
+    EXPECT_EQ(narrow(MaterialLink::readLink(deep)), "/m/a");
+}
+
+TEST_F(MaterialLinkTest, ABareNameLiesInTheCurrentFolder) {
+    auto const before = std::filesystem::current_path();
+    std::filesystem::current_path(folder_.path());
+    EXPECT_TRUE(MaterialLink::createLink(L"bare.mov", L"/m/a", false));
+    std::filesystem::current_path(before);
+    EXPECT_TRUE(folder_.holds("bare.mov"));
+}
+
 TEST_F(MaterialLinkTest, NeedsAPlaceAndATarget) {
     EXPECT_FALSE(create({}));
     EXPECT_FALSE(MaterialLink::createLink({}, L"/m/a", true));
@@ -126,7 +140,7 @@ TEST_F(MaterialLinkTest, WhateverFailsTheLinkIsTheOldOrTheNewOne) {
         EXPECT_EQ(target(), isDone ? "/m/b" : "/m/a");
         EXPECT_EQ(fileCount(), 1);
         ASSERT_TRUE(create(L"/m/a", true));
-    } while (number < 6);
+    } while (number < 10);
 }
 
 TEST_F(MaterialLinkTest, AMediaFileWritesItsOwn) {

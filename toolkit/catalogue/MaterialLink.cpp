@@ -22,6 +22,12 @@ Name partialNameFor(Name const& link) {
     return getPath(link) + unique.asWString() + Name(L".partial");
 }
 
+/// A bare name lies in the process's current folder, which is there.
+bool makeFolderOf(Name const& link) {
+    Name const folder = getPath(link);
+    return folder.empty() || OS()->getFileManager().createDirectory(folder);
+}
+
 bool isSymbolicLink(Name const& name) {
     struct stat status {};
     return lstat(toUTF8(name).c_str(), &status) == 0 && S_ISLNK(status.st_mode);
@@ -57,7 +63,7 @@ bool MaterialLink::createLink(Name const& link, Name const& target, bool replace
     }
     iFileManager& files = OS()->getFileManager();
     Name const partial = partialNameFor(link);
-    if (files.createDirectory(getPath(link)) && writeText(partial, std::string(mark) + path) &&
+    if (makeFolderOf(link) && writeText(partial, std::string(mark) + path) &&
         files.renameFile(partial, link, replaceExisting)) {
         return true;
     }
