@@ -32,3 +32,5 @@ target_link_libraries(playfile_soundbench PRIVATE PkgConfig::PLAYFILE_SNDFILE)
 
 playfile_add_comparison(playfile_remotebench remote)
 playfile_link(playfile_remotebench playfile_remote)
+
+playfile_add_comparison(playfile_transferbench transfer)

@@ -15,6 +15,8 @@ namespace {
 constexpr std::uint64_t pieceBytes = 1024 * 1024;
 /// How far the pieces that are on their way to the device may lag behind.
 constexpr std::uint64_t writeBehindBytes = 8 * pieceBytes;
+/// The system gives back as much at once.
+constexpr std::uint64_t quicklyClosedBytes = 16 * pieceBytes;
 constexpr mode_t newFileMode = 0666;
 
 bool isSameFile(struct stat const& a, struct stat const& b) {
@@ -118,5 +120,8 @@ void CopyDestination::discard() {
     struct stat there {};
     if (isOurs_ && lstat(path_.c_str(), &there) == 0 && isSameFileAs(there)) {
         unlink(path_.c_str());
+        if (written_ > quicklyClosedBytes) {
+            file_.closeElsewhere();
+        }
     }
 }

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <exception>
+#include <thread>
 #include <utility>
 
 /// An open file of the system, closed at the end. It can be moved.
@@ -17,6 +19,17 @@ public:
     ~FileDescriptor() {
         if (isOpen()) {
             ::close(descriptor_);
+        }
+    }
+
+    /// Closes the file on another thread, as the system may take long to give back what a removed file holds in memory.
+    /// What isn't closed when the process ends is closed by the system.
+    void closeElsewhere() noexcept {
+        int const descriptor = std::exchange(descriptor_, -1);
+        try {
+            std::thread([descriptor] { ::close(descriptor); }).detach();
+        } catch (std::exception const&) {
+            ::close(descriptor);
         }
     }
 
