@@ -61,6 +61,7 @@ bench: release
 	build/release/bin/playfile_workload $(or $(CLIP),$(MEDIA)/demo.mp4)
 	build/release/bin/playfile_soundbench $(MEDIA)/noise-s24-8ch.wav
 	build/release/bin/playfile_remotebench --folder build --size 256
+	build/release/bin/playfile_transferbench --folder build --size 256 --files 2000 --rounds 3
 
 check: release tsa
 	@scripts/check-all.sh
