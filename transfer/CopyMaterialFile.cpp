@@ -43,7 +43,7 @@ public:
         if (isMove) {
             files().deleteFile(sourcePath_);
             entry.removeFile(file_);
-            entry.addFile(MediaFileInfo(target_, file_.fileSize));
+            entry.addFile(moved());
         }
         if (!file_.isProxy()) {
             bringCompanions(isMove);
@@ -66,6 +66,13 @@ private:
         }
         return files().copyFile(sourcePath_, targetPath_, true, progress,
                                 static_cast<ProgressReportClient*>(&handle_));
+    }
+
+    /// The file as the catalogue knows it after a move: a plain one, link or not, and a proxy if it was one.
+    [[nodiscard]] MediaFileInfo moved() const {
+        MediaFileInfo info(target_, file_.fileSize);
+        info.isProxyFile = file_.isProxy();
+        return info;
     }
 
     void tellFailure(eCopyRC code) {

@@ -65,6 +65,7 @@ TEST_F(CopyMaterialFileTest, AMovedProxyIsFiledAsOne) {
     write("m/p.mov", "22");
     move(own('M', "v.mov"), {asProxy(own('M', "p.mov"))});
     EXPECT_EQ(folder_.read("n/p.mov"), "22");
+    EXPECT_THAT(filed(), ElementsAre("N:v.mov", "N:p.mov"));
     EXPECT_FALSE(folder_.holds("m/p.mov"));
 }
 
