@@ -1,8 +1,5 @@
 /// Copies a file from a server on this machine, through playfile and with the program curl, in turn in one run, and
 /// compares the times. Both ends with the file on its device.
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -12,11 +9,10 @@
 
 #include "bench/remote/FileServer.h"
 #include "bench/support/Figures.h"
+#include "bench/support/Program.h"
 #include "bench/support/Silence.h"
 #include "host/remote/RemoteStores.h"
 #include "ole/os/OS.h"
-
-extern char** environ;
 
 namespace {
 
@@ -54,27 +50,10 @@ private:
     std::string const path_;
 };
 
-bool isOnItsDevice(std::string const& path) {
-    int const file = open(path.c_str(), O_WRONLY | O_CLOEXEC);
-    bool const isFlushed = file >= 0 && fdatasync(file) == 0;
-    if (file >= 0) {
-        close(file);
-    }
-    return isFlushed;
-}
-
 /// The program's own end isn't that of the file's way to its device: that is waited for, as playfile does.
 bool copyWithProgram(std::string const& url, std::string const& path) {
-    std::string words[] = {"curl", "--silent", "--noproxy", "127.0.0.1", "--output", path, url};
-    std::vector<char*> arguments;
-    for (std::string& word : words) {
-        arguments.push_back(word.data());
-    }
-    arguments.push_back(nullptr);
-    pid_t child = -1;
-    int status = -1;
-    return posix_spawnp(&child, "curl", nullptr, nullptr, arguments.data(), environ) == 0 &&
-           waitpid(child, &status, 0) == child && status == 0 && isOnItsDevice(path);
+    return runProgram({"curl", "--silent", "--noproxy", "127.0.0.1", "--output", path, url}) &&
+           isOnItsDevice(path);
 }
 
 bool copyWithPlayfile(std::string const& url, std::string const& path) {

@@ -16,29 +16,6 @@ constexpr int mostCalls = 2000;
 
 class KilledTransfer : public testing::TestWithParam<std::string> {
 protected:
-    using Files = TransferWorld::Files;
-
-    struct End {
-        Files disk;
-        Files catalogue;
-
-        bool operator==(End const&) const = default;
-    };
-
-    static End endOf(TransferWorld const& world) {
-        End end{world.disk(), world.catalogue()};
-        std::erase_if(end.disk, [](auto const& file) { return file.first.ends_with(".partial"); });
-        return end;
-    }
-    static End undisturbed(int runs) {
-        TemporaryFolder const folder;
-        TransferWorld world(folder.file(""), GetParam());
-        world.prepare();
-        for (int run = 0; run < runs; ++run) {
-            world.run();
-        }
-        return endOf(world);
-    }
     static bool isMove() { return GetParam() == "relocate-move"; }
 
     /// True once the transfer made fewer calls than that.
@@ -63,7 +40,7 @@ protected:
         world.run();
         EXPECT_EQ(world.faultOfDisk() + world.faultOfSources(), "") << "a second run after " << where;
         if (GetParam().rfind("relocate", 0) != 0) {
-            End const end = endOf(world);
+            TransferWorld::End const end = world.end();
             EXPECT_TRUE(end == once_ || end == twice_) << "a second run after " << where;
         }
     }
@@ -77,8 +54,8 @@ protected:
     }
 
     LogRecorder log_;
-    End const once_ = undisturbed(1);
-    End const twice_ = undisturbed(2);
+    TransferWorld::End const once_ = TransferWorld::undisturbed(GetParam(), 1);
+    TransferWorld::End const twice_ = TransferWorld::undisturbed(GetParam(), 2);
 };
 
 TEST_P(KilledTransfer, BeforeEachCallLosesNothing) {

@@ -7,6 +7,7 @@
 
 #include "tests/fakes/FakeCatalogue.h"
 #include "tests/fakes/TranscriptLog.h"
+#include "tests/support/TemporaryFolder.h"
 #include "toolkit/catalogue/DiskManager.h"
 #include "toolkit/catalogue/MaterialLink.h"
 #include "toolkit/services/Paths.h"
@@ -225,6 +226,25 @@ TransferWorld::Files TransferWorld::catalogue() const {
         }
     }
     return found;
+}
+
+TransferWorld::End TransferWorld::end() const {
+    End end{disk(), catalogue()};
+    std::erase_if(end.disk, [](auto const& file) { return endsIn(file.first, partial); });
+    return end;
+}
+
+TransferWorld::End TransferWorld::undisturbed(std::string const& scenario, int runs) {
+    TemporaryFolder const folder;
+    TransferWorld world(folder.file(""), scenario);
+    world.prepare();
+    for (int run = 0; run < runs; ++run) {
+        world.run();
+        if (std::string const fault = world.fault(); !fault.empty()) {
+            throw std::runtime_error("an undisturbed transfer ends wrong: " + fault);
+        }
+    }
+    return world.end();
 }
 
 bool TransferWorld::isProjectWhole() const {

@@ -25,6 +25,16 @@ public:
     using Files = std::map<std::string, std::string>;
     using Lines = CallLog::Lines;
 
+    /// How transfers have ended.
+    struct End {
+        Files disk;
+        Files catalogue;
+
+        bool operator==(End const&) const = default;
+    };
+    /// How as many undisturbed runs of a scenario end.
+    [[nodiscard]] static End undisturbed(std::string const& scenario, int runs);
+
     /// @param folder  ends in a separator
     TransferWorld(std::string folder, std::string scenario);
     ~TransferWorld();
@@ -47,6 +57,8 @@ public:
     [[nodiscard]] Files disk() const;
     /// What the catalogue says of each clip, names from the folder on.
     [[nodiscard]] Files catalogue() const;
+    /// Both of these, without what lies under temporary names.
+    [[nodiscard]] End end() const;
     [[nodiscard]] bool isProjectWhole() const;
 
     // What is wrong with the world, in words; empty if nothing is.

@@ -23,33 +23,6 @@ constexpr int mostCalls = 2000;
 
 class FaultMatrix : public testing::TestWithParam<std::string> {
 protected:
-    using Files = TransferWorld::Files;
-
-    struct End {
-        Files disk;
-        Files catalogue;
-
-        bool operator==(End const&) const = default;
-    };
-
-    static End endOf(TransferWorld const& world) {
-        End end{world.disk(), world.catalogue()};
-        std::erase_if(end.disk, [](auto const& file) { return file.first.ends_with(".partial"); });
-        return end;
-    }
-    static std::string folderOf(TemporaryFolder const& folder) { return folder.file(""); }
-
-    /// How undisturbed runs end.
-    static End undisturbed(int runs) {
-        TemporaryFolder const folder;
-        TransferWorld world(folderOf(folder), GetParam());
-        world.prepare();
-        for (int run = 0; run < runs; ++run) {
-            world.run();
-            EXPECT_EQ(world.fault(), "") << "run " << run;
-        }
-        return endOf(world);
-    }
     static bool isRelocation() { return GetParam().rfind("relocate", 0) == 0; }
     /// Whether a second run puts right what a fault of this kind did.
     static bool isPutRight(std::string const& operation) {
@@ -65,7 +38,7 @@ protected:
     /// True once there were no more calls that could have failed.
     bool tryFault(int number, eHowLong howLong) {
         TemporaryFolder const folder;
-        TransferWorld world(folderOf(folder), GetParam());
+        TransferWorld world(folder.file(""), GetParam());
         world.prepare();
         world.files().failAt(number, howLong);
         world.run();
@@ -81,7 +54,7 @@ protected:
             }
             if (isOver || isPutRight(failed)) {
                 world.run();
-                EXPECT_TRUE(endOf(world) == once_ || endOf(world) == twice_) << where;
+                EXPECT_TRUE(world.end() == once_ || world.end() == twice_) << where;
             }
         }
         return isOver;
@@ -104,8 +77,8 @@ protected:
     }
 
     LogRecorder log_;
-    End const once_ = undisturbed(1);
-    End const twice_ = undisturbed(2);
+    TransferWorld::End const once_ = TransferWorld::undisturbed(GetParam(), 1);
+    TransferWorld::End const twice_ = TransferWorld::undisturbed(GetParam(), 2);
 };
 
 TEST_P(FaultMatrix, OneFaultAtEachCallLosesNothing) {
