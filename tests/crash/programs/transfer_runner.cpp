@@ -3,6 +3,7 @@
 /// WHEN is `before` the call, or `half`: if the call copies a file, half of it is there then. A run that makes fewer
 /// calls ends with 0.
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -20,6 +21,7 @@ namespace {
 void writeHalf(std::string const& from, std::string const& to) {
     std::ifstream in(from, std::ios::binary);
     std::string const contents{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    std::filesystem::create_directories(std::filesystem::path(to).parent_path());
     std::ofstream(to, std::ios::binary) << contents.substr(0, contents.size() / 2);
 }
 
