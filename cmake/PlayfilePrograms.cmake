@@ -27,7 +27,7 @@ if(sources)
     find_package(nlohmann_json REQUIRED)
     find_package(PNG REQUIRED)
     add_library(playfile_tool STATIC ${sources})
-    playfile_link(playfile_tool playfile playfile_host playfile_store)
+    playfile_link(playfile_tool playfile playfile_host playfile_store playfile_remote)
     target_link_libraries(playfile_tool
         PUBLIC CLI11::CLI11 nlohmann_json::nlohmann_json PNG::PNG)
     playfile_add_program(playfile_cli playfile "${CMAKE_SOURCE_DIR}/tools/playfile/main.cpp")

@@ -48,10 +48,15 @@ constexpr char const* toVersion2 =
     " PRIMARY KEY (space, position)) WITHOUT ROWID;"
     "PRAGMA user_version = 2;";
 
+/// A file is found by its names: what is linked by its link, all else by drive and path.
+constexpr char const* toVersion3 =
+    "CREATE INDEX media_by_file ON media (link, path, drive);"
+    "PRAGMA user_version = 3;";
+
 #undef COOKIE_COLUMNS
 
 /// Each brings a file from its version to the next one. Steps that were shipped are never changed.
-constexpr std::array migrations = {toVersion1, toVersion2};
+constexpr std::array migrations = {toVersion1, toVersion2, toVersion3};
 
 }  // namespace
 

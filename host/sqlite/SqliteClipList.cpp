@@ -12,11 +12,14 @@ struct SqliteClipList::Statements {
                                  " FROM media WHERE clip = ?1")),
           byName(file.prepareLook(
               "SELECT clip, type, channel FROM clips WHERE name = ?1 ORDER BY clip, type, channel")),
+          byDigits(file.prepareLook("SELECT clip, type, channel FROM clips WHERE clip >= ?1 AND clip < ?2"
+                                    " ORDER BY clip, type, channel LIMIT ?3")),
           count(file.prepareLook("SELECT count(*) FROM clips")) {}
 
     SqliteStatement page;
     SqliteStatement media;
     SqliteStatement byName;
+    SqliteStatement byDigits;
     SqliteStatement count;
 };
 
@@ -73,6 +76,18 @@ std::vector<Cookie> SqliteClipList::find(LightweightString<wchar_t> const& name)
     std::lock_guard const scope(file_->lookLock);
     StatementRun rows(statements_->byName);
     rows.with(name);
+    while (rows.nextRow()) {
+        found.push_back(rows.cookie(0));
+    }
+    return found;
+}
+
+std::vector<Cookie> SqliteClipList::findByDigits(std::string const& digits, std::uint32_t count) {
+    constexpr char behindAllDigits = 'g';
+    std::vector<Cookie> found;
+    std::lock_guard const scope(file_->lookLock);
+    StatementRun rows(statements_->byDigits);
+    rows.with(std::string_view(digits)).with(digits + behindAllDigits).with(std::int64_t{count});
     while (rows.nextRow()) {
         found.push_back(rows.cookie(0));
     }

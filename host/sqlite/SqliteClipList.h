@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "host/sqlite/ProjectFile.h"
@@ -41,6 +42,8 @@ public:
     [[nodiscard]] std::vector<ClipSummary> getPage(ClipSummary const& after, std::uint32_t count);
     /// The clips of exactly that name.
     [[nodiscard]] std::vector<Cookie> find(LightweightString<wchar_t> const& name);
+    /// Clips whose 32 digits begin so, in their order, `count` at most.
+    [[nodiscard]] std::vector<Cookie> findByDigits(std::string const& digits, std::uint32_t count);
     [[nodiscard]] std::uint64_t getCount();
 
 private:

@@ -21,6 +21,8 @@ public:
     [[nodiscard]] std::vector<std::pair<Cookie, std::uint32_t>> getAll() override;
     bool change(Cookie const& clip, Change const& change) override;
 
+    /// Requires the file's lock.
+    [[nodiscard]] bool isThere(Cookie const& clip);
     /// Puts a record in place of what is known of a clip, nothing for an empty one. Requires the file's lock, in a
     /// change of the file.
     [[nodiscard]] bool write(Cookie const& clip, std::optional<ClipRecord> const& record);
@@ -33,7 +35,6 @@ private:
     static void readTexts(SqliteStatement& statement, Cookie const& clip, ClipRecord& record);
     static void readReferences(SqliteStatement& statement, Cookie const& clip, ClipRecord& record);
     static void readStreams(SqliteStatement& statement, Cookie const& clip, ClipRecord& record);
-    [[nodiscard]] bool isThere(Cookie const& clip);
     [[nodiscard]] bool removeRows(Cookie const& clip);
     [[nodiscard]] bool writeTexts(Cookie const& clip, ClipRecord const& record);
     [[nodiscard]] bool writeReferences(Cookie const& clip, ClipRecord const& record);

@@ -49,6 +49,8 @@ struct SqliteMedia::Statements {
                                " ORDER BY channel LIMIT 1")),
           ofClip(file.prepareLook("SELECT clip, type, channel, " FILE_COLUMNS
                                   " FROM media WHERE clip = ?1 ORDER BY type, channel, position")),
+          ofLink(file.prepare("SELECT 1 FROM media WHERE link = ?1 LIMIT 1")),
+          ofPlace(file.prepare("SELECT 1 FROM media WHERE link = '' AND path = ?1 AND drive = ?2 LIMIT 1")),
           put(file.prepare("INSERT INTO media (clip, type, channel, " FILE_COLUMNS
                            ") VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11)")),
           removeCookie(file.prepare("DELETE FROM media" OF_COOKIE)),
@@ -58,6 +60,8 @@ struct SqliteMedia::Statements {
     SqliteStatement ofCookieInChange;
     SqliteStatement firstChannel;
     SqliteStatement ofClip;
+    SqliteStatement ofLink;
+    SqliteStatement ofPlace;
     SqliteStatement put;
     SqliteStatement removeCookie;
     SqliteStatement removeClip;
@@ -85,6 +89,21 @@ CookieMedia SqliteMedia::read(SqliteStatement& ofCookie, Cookie const& cookie) {
         takeRow(rows, 0, media);
     }
     return media;
+}
+
+CookieMedia SqliteMedia::readInChange(Cookie const& cookie) {
+    return read(statements_->ofCookieInChange, cookie);
+}
+
+bool SqliteMedia::isFiled(MediaFileInfo const& file) {
+    if (!file.physicalFilename.empty()) {
+        return StatementRun(statements_->ofLink).with(file.physicalFilename).nextRow();
+    }
+    char const letter = file.materialFilename.getDrive().letter();
+    return StatementRun(statements_->ofPlace)
+        .with(file.materialFilename.getPath())
+        .with(std::string_view(&letter, 1))
+        .nextRow();
 }
 
 /// Most changes of a status change nothing: what there is to be changed is looked at first, so that those don't wait

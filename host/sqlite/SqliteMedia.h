@@ -28,6 +28,11 @@ public:
     /// All of a clip, in the order of their cookies.
     [[nodiscard]] std::vector<Found> findClip(Cookie const& clip);
 
+    /// What there is of exactly that cookie. Requires the file's lock.
+    [[nodiscard]] CookieMedia readInChange(Cookie const& cookie);
+    /// Whether a file is filed under any cookie: a linked one under its physical name, any other at its place.
+    /// Requires the file's lock.
+    [[nodiscard]] bool isFiled(MediaFileInfo const& file);
     /// Puts media in place of those of a cookie. Requires the file's lock, in a change of the file.
     [[nodiscard]] bool write(Cookie const& cookie, CookieMedia const& media);
     /// Forgets all media of a clip. Requires the file's lock, in a change of the file.

@@ -2,6 +2,19 @@
 
 #include <algorithm>
 
+namespace {
+
+/// A proxy of several channels is one file.
+std::size_t countProxies(NewClip const& clip) {
+    std::size_t most = 0;
+    for (auto const& each : clip.media) {
+        most = std::max(most, each.second.proxies.size());
+    }
+    return most;
+}
+
+}  // namespace
+
 std::unique_ptr<SqliteProject> SqliteProject::open(LightweightString<wchar_t> const& path,
                                                    std::string& error) {
     std::shared_ptr<ProjectFile> file = ProjectFile::open(path, error);
@@ -65,6 +78,61 @@ bool SqliteProject::write(NewClip const& clip) {
 /// Requires the file's lock, in a change of the file.
 bool SqliteProject::removeRows(Cookie const& clip) {
     return clips_->write(clip, std::nullopt) && media_->removeClip(clip) && material_.removeClip(clip);
+}
+
+std::optional<AddedMedia> SqliteProject::addMissing(std::vector<NewClip> const& clips) {
+    AddedMedia added;
+    std::lock_guard const scope(file_->lock);
+    bool const isDone = file_->change(std::to_string(clips.size()) + " clips", [&] {
+        return std::all_of(clips.begin(), clips.end(),
+                           [&](NewClip const& clip) { return addMissing(clip, added); });
+    });
+    return isDone ? std::optional(added) : std::nullopt;
+}
+
+/// Requires the file's lock, in a change of the file.
+bool SqliteProject::addMissing(NewClip clip, AddedMedia& added) {
+    for (auto& each : clip.media) {
+        std::erase_if(each.second.proxies,
+                      [&](MediaFileInfo const& proxy) { return media_->isFiled(proxy); });
+    }
+    if (clips_->isThere(clip.cookie)) {
+        return addProxies(clip, added);
+    }
+    if (isFiled(clip)) {
+        return true;
+    }
+    ++added.clips;
+    added.proxies += countProxies(clip);
+    return write(clip);
+}
+
+/// Requires the file's lock, in a change of the file.
+bool SqliteProject::addProxies(NewClip const& clip, AddedMedia& added) {
+    for (auto const& [cookie, media] : clip.media) {
+        CookieMedia kept = media_->readInChange(cookie);
+        if (kept.isEmpty() || media.proxies.empty()) {
+            continue;
+        }
+        kept.proxies.insert(kept.proxies.end(), media.proxies.begin(), media.proxies.end());
+        if (!media_->write(cookie, kept)) {
+            return false;
+        }
+    }
+    added.proxies += countProxies(clip);
+    return true;
+}
+
+/// Requires the file's lock.
+bool SqliteProject::isFiled(NewClip const& clip) {
+    return std::any_of(clip.media.begin(), clip.media.end(), [&](auto const& each) {
+        return each.second.original && media_->isFiled(*each.second.original);
+    });
+}
+
+bool SqliteProject::isThere(NewClip const& clip) {
+    std::lock_guard const scope(file_->lock);
+    return clips_->isThere(clip.cookie) || isFiled(clip);
 }
 
 bool SqliteProject::removeClip(Cookie const& clip) {

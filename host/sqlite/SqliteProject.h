@@ -21,6 +21,13 @@ struct NewClip {
     std::vector<std::pair<Cookie, std::int32_t>> startOffsets;
 };
 
+/// How much of what was to be added wasn't there yet.
+struct AddedMedia {
+    std::uint64_t clips = 0;
+    /// Theirs, and those that clips which were there hadn't.
+    std::uint64_t proxies = 0;
+};
+
 /// A project on disk: one file with its clips, media, drives, spaces and start offsets, and the services that serve a
 /// process from it.
 ///
@@ -56,6 +63,14 @@ public:
     /// many adds them some hundreds at a time, so that they needn't be in memory all at once.
     bool addClips(std::vector<NewClip> const& clips);
     bool addClip(NewClip const& clip) { return addClips({clip}); }
+    /// Adds those that aren't there yet, all of them or none. A clip is there if its cookie is, or if one of its
+    /// originals is filed already, as whatever of whichever clip: then it stays as it is. One that is there by its
+    /// cookie gets the proxies that it hasn't. No file is filed as a proxy that is filed already.
+    ///
+    /// @return empty if it couldn't be written
+    [[nodiscard]] std::optional<AddedMedia> addMissing(std::vector<NewClip> const& clips);
+    /// Whether `addMissing` would leave the clip as it is, but for its proxies.
+    [[nodiscard]] bool isThere(NewClip const& clip);
     /// Forgets a clip with its media; no file is deleted.
     bool removeClip(Cookie const& clip);
     /// See `SqliteClipList`.
@@ -64,6 +79,9 @@ public:
     }
     [[nodiscard]] std::vector<Cookie> findClips(LightweightString<wchar_t> const& name) {
         return list_.find(name);
+    }
+    [[nodiscard]] std::vector<Cookie> findClipsByDigits(std::string const& digits, std::uint32_t count) {
+        return list_.findByDigits(digits, count);
     }
     [[nodiscard]] std::uint64_t countClips() { return list_.getCount(); }
     bool setStartOffset(Cookie const& cookie, std::int32_t samples) {
@@ -89,6 +107,9 @@ private:
 
     explicit SqliteProject(std::shared_ptr<ProjectFile> file);
     [[nodiscard]] bool write(NewClip const& clip);
+    [[nodiscard]] bool isFiled(NewClip const& clip);
+    [[nodiscard]] bool addMissing(NewClip clip, AddedMedia& added);
+    [[nodiscard]] bool addProxies(NewClip const& clip, AddedMedia& added);
     [[nodiscard]] bool removeRows(Cookie const& clip);
 
     std::shared_ptr<ProjectFile> const file_;

@@ -388,7 +388,7 @@ TEST_F(SqliteProjectTest, BringsAFileOfTheFirstVersionToThisOne) {
     EXPECT_EQ(narrow(entry->getPhysicalFilename()), "/far/a.mov");
     EXPECT_EQ(entry->streamCount, 3U);
     EXPECT_TRUE(project->addClip(newClip("b")));
-    EXPECT_EQ(rowsOf(*project, "pragma_user_version WHERE user_version = 2"), 1);
+    EXPECT_EQ(rowsOf(*project, "pragma_user_version WHERE user_version = 3"), 1);
 }
 
 TEST_F(SqliteProjectTest, AStepToThisVersionThatFailsLeavesTheFileBefore) {
@@ -404,7 +404,7 @@ TEST_F(SqliteProjectTest, AStepToThisVersionThatFailsLeavesTheFileBefore) {
 
 TEST_F(SqliteProjectTest, RefusesAFileOfALaterVersion) {
     ASSERT_TRUE(open());
-    tamper("PRAGMA user_version = 3");
+    tamper("PRAGMA user_version = 4");
     EXPECT_FALSE(open());
     EXPECT_THAT(error_, HasSubstr("later version"));
 }

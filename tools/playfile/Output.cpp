@@ -10,7 +10,10 @@
 namespace cli {
 
 void writeLine(std::string const& line) {
-    std::string const text = line + '\n';
+    writeText(line + '\n');
+}
+
+void writeText(std::string const& text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) {
         return;
     }

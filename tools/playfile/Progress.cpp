@@ -37,8 +37,10 @@ void Progress::moveTo(std::uint64_t done) {
     }
     nextShow_ = Clock::now() + showInterval;
     hasShown_ = true;
-    std::fprintf(stderr, "%s%s: %llu of %llu", wipeLine, label_.c_str(),
-                 static_cast<unsigned long long>(done_), static_cast<unsigned long long>(total_));
+    std::fprintf(stderr, "%s%s: %llu", wipeLine, label_.c_str(), static_cast<unsigned long long>(done_));
+    if (total_ != 0) {
+        std::fprintf(stderr, " of %llu", static_cast<unsigned long long>(total_));
+    }
 }
 
 }  // namespace cli

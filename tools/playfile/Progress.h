@@ -11,6 +11,7 @@ namespace cli {
 /// Threads  One at a time.
 class Progress {
 public:
+    /// @param total            0 if nobody knows it
     /// @param printsMeanwhile  true if the work writes lines to standard output, with which the display
     ///                         must not mix on one terminal
     Progress(std::string label, std::uint64_t total, bool printsMeanwhile);

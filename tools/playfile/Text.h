@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -28,5 +29,12 @@ namespace cli {
 
 /// A number with `digits` digits behind the point.
 [[nodiscard]] std::string fixed(double number, int digits);
+
+/// How many columns of a terminal a printable text takes: letters of East Asia and pictographs two, marks that stand
+/// on another letter none.
+[[nodiscard]] std::size_t displayWidth(std::string_view text);
+
+/// A number of bytes for people: "1.5 GiB".
+[[nodiscard]] std::string sizeText(std::uint64_t bytes);
 
 }  // namespace cli

@@ -12,6 +12,7 @@
 #include "tools/playfile/InfoCommand.h"
 #include "tools/playfile/Interrupt.h"
 #include "tools/playfile/Output.h"
+#include "tools/playfile/ProjectCommand.h"
 #include "tools/playfile/QuarantineCommand.h"
 #include "tools/playfile/RecordCommand.h"
 #include "tools/playfile/ShowCommand.h"
@@ -66,9 +67,10 @@ private:
     HeaderCommand header_;
     SizeCommand size_;
     DeleteCommand delete_;
+    ProjectCommand project_;
     QuarantineCommand quarantine_;
-    std::array<Command*, 10> commands_{&info_,    &frames_, &audio_, &show_,   &record_,
-                                       &extract_, &header_, &size_,  &delete_, &quarantine_};
+    std::array<Command*, 11> commands_{&info_,   &frames_, &audio_,  &show_,    &record_,    &extract_,
+                                       &header_, &size_,   &delete_, &project_, &quarantine_};
 };
 
 int runGuarded(int argc, char** argv) {
