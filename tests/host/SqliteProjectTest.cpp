@@ -127,6 +127,70 @@ TEST_F(SqliteProjectTest, AClipThatIsAddedAgainIsTheNewOne) {
     EXPECT_EQ(rowsOf(*project, "start_offsets"), 0);
 }
 
+TEST_F(SqliteProjectTest, AddsOnlyWhatIsMissing) {
+    auto const project = open();
+    NewClip const there = newClip("a");
+    ASSERT_TRUE(project->addClip(there));
+    ASSERT_TRUE(project->edits().setName(there.cookie, L"mine"));
+    EXPECT_TRUE(project->isThere(there));
+    NewClip const other = newClip("b");
+    EXPECT_FALSE(project->isThere(other));
+    auto const added = project->addMissing({there, other, other});
+    ASSERT_TRUE(added);
+    EXPECT_EQ(added->clips, 1U);
+    EXPECT_EQ(added->proxies, 1U);
+    EXPECT_EQ(namesOf(project->listClips({}, 10)), (std::vector<std::string>{"b", "mine"}));
+    EXPECT_EQ(rowsOf(*project, "media"), 6);
+}
+
+TEST_F(SqliteProjectTest, AClipOneOfWhoseFilesIsFiledIsThere) {
+    auto const project = open();
+    ASSERT_TRUE(project->addClip(newClip("a")));
+    NewClip same = newClip("a");
+    EXPECT_TRUE(project->isThere(same));
+    EXPECT_EQ(project->addMissing({same})->clips, 0U);
+    same.media.front().second.original->setLink(L"/far/a.mov");
+    same.media.pop_back();
+    EXPECT_FALSE(project->isThere(same));
+    EXPECT_EQ(project->addMissing({same})->clips, 1U);
+    EXPECT_EQ(project->addMissing({same})->clips, 0U);
+}
+
+TEST_F(SqliteProjectTest, AClipThatIsThereGetsTheProxiesThatItLacks) {
+    auto const project = open();
+    NewClip clip = newClip("a");
+    ASSERT_TRUE(project->addClip(clip));
+    for (auto& each : clip.media) {
+        each.second.proxies.push_back(media("/m/new-proxy.mov", true));
+    }
+    EXPECT_EQ(project->addMissing({clip})->proxies, 1U);
+    EXPECT_EQ(project->addMissing({clip})->proxies, 0U);
+    EXPECT_EQ(project->catalogue().findEntryForCookie(videoOf(clip))->getProxyFiles().size(), 2U);
+    EXPECT_EQ(project->catalogue().findEntryForCookie(soundOf(clip))->getProxyFiles().size(), 1U);
+}
+
+TEST_F(SqliteProjectTest, AddsAllThatIsMissingOrNothing) {
+    LogRecorder log;
+    auto const project = open();
+    tamper(
+        "CREATE TRIGGER refuse BEFORE INSERT ON media WHEN NEW.path = '/m/clip 7.wav'"
+        " BEGIN SELECT RAISE(ABORT, 'refused'); END");
+    EXPECT_FALSE(project->addMissing(newClips(0, 10)));
+    EXPECT_EQ(project->countClips(), 0U);
+}
+
+TEST_F(SqliteProjectTest, FindsClipsByTheFirstDigits) {
+    auto const project = open();
+    NewClip const clip = newClipOf(middle(), "a");
+    ASSERT_TRUE(project->addClip(clip));
+    ASSERT_TRUE(project->addClips(newClips(0, 50)));
+    std::string const digits = clip.cookie.asString(true).str();
+    EXPECT_THAT(project->findClipsByDigits(digits, 10), ElementsAre(clip.cookie));
+    EXPECT_THAT(project->findClipsByDigits(digits.substr(0, 12), 10), ElementsAre(clip.cookie));
+    EXPECT_THAT(project->findClipsByDigits(digits.substr(0, 31) + "g", 10), IsEmpty());
+    EXPECT_EQ(project->findClipsByDigits("", 7).size(), 7U);
+}
+
 TEST_F(SqliteProjectTest, RemovesAClipAndNothingElse) {
     auto const project = open();
     std::vector<NewClip> const clips = newClips(0, 2);
@@ -208,6 +272,9 @@ TEST_F(SqliteProjectTest, AQuestionAboutOneClipCostsTheSameAmongThousands) {
         EXPECT_EQ(project.catalogue().getClipMediaFiles(clip.cookie).size(), 2U);
         EXPECT_TRUE(project.edits().find(clip.cookie));
         EXPECT_EQ(project.findClips(clip.record.name).size(), 1U);
+        EXPECT_EQ(project.findClipsByDigits(clip.cookie.asString(true).str(), 2).size(), 1U);
+        EXPECT_TRUE(project.isThere(clip));
+        EXPECT_EQ(project.addMissing({clip})->clips, 0U);
         EXPECT_EQ(project.listClips({}, 1).size(), 1U);
         EXPECT_TRUE(project.edits().setName(clip.cookie, clip.record.name));
         project.catalogue().findEntryForCookie(videoOf(clip))->setLinkedFilename(L"/far/a");

@@ -44,4 +44,19 @@ TEST(Text, RefusesANameThatCouldNotBeFoundAgain) {
     EXPECT_THROW(static_cast<void>(cli::wideName("a\xFF.mov")), cli::CommandError);
 }
 
+TEST(Text, CountsTheColumnsOfATerminal) {
+    EXPECT_EQ(cli::displayWidth(""), 0U);
+    EXPECT_EQ(cli::displayWidth("Straße"), 6U);
+    EXPECT_EQ(cli::displayWidth("シーン 場景"), 11U);
+    EXPECT_EQ(cli::displayWidth("e\xCC\x81"), 1U) << "a mark above a letter";
+    EXPECT_EQ(cli::displayWidth("한국🎬"), 6U);
+}
+
+TEST(Text, TellsSizesInUnitsThatFit) {
+    EXPECT_EQ(cli::sizeText(0), "0 B");
+    EXPECT_EQ(cli::sizeText(1023), "1023 B");
+    EXPECT_EQ(cli::sizeText(1536), "1.5 KiB");
+    EXPECT_EQ(cli::sizeText(std::uint64_t{3} << 40), "3.0 TiB");
+}
+
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include "toolkit/catalogue/MaterialLink.h"
 #include "tools/playfile/CommandError.h"
 #include "tools/playfile/Interrupt.h"
 #include "tools/playfile/MediaProbe.h"
@@ -16,6 +17,12 @@ constexpr std::chrono::seconds longestCollecting{2};
 /// Where no terminal shows how far the work has come, a line does so often.
 constexpr std::chrono::seconds lineInterval{5};
 constexpr std::uint64_t unknownTotal = 0;
+
+/// What lies on a drive in place of media that are elsewhere.
+bool isLinkFile(NewClip const& clip) {
+    MediaFileInfo const& file = *clip.media.front().second.original;
+    return file.physicalFilename.empty() && !MaterialLink::readLink(file.getLinkFileName()).empty();
+}
 
 }  // namespace
 
@@ -34,7 +41,10 @@ void ClipImporter::add(MediaGroup const& group) {
     checkForInterrupt();
     NewClip clip = maker_.make(group);
     ++found_;
-    if (opened_.project().isThere(clip) || prepare(clip, group)) {
+    bool const isThere = opened_.project().isThere(clip);
+    if (!isThere && isLinkFile(clip)) {
+        ++linkFiles_;
+    } else if (isThere || prepare(clip, group)) {
         batch_.push_back(std::move(clip));
     }
     if (batch_.size() >= batchLength || Clock::now() >= nextFlush_) {

@@ -26,6 +26,8 @@ public:
     /// Imports what has been collected.
     void flush();
 
+    /// Link files, which aren't imported: they lead to the media of clips.
+    [[nodiscard]] std::uint64_t linkFiles() const { return linkFiles_; }
     /// What has been imported by now.
     [[nodiscard]] Json report() const;
 
@@ -45,6 +47,7 @@ private:
     AddedMedia added_;
     std::uint64_t found_ = 0;
     std::uint64_t written_ = 0;
+    std::uint64_t linkFiles_ = 0;
     Progress progress_;
     Clock::time_point nextLine_;
     Clock::time_point nextFlush_;

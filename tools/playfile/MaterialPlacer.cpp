@@ -33,10 +33,13 @@ Name numberOf(std::string const& name) {
     return wideName(stem.substr(first, last + 1 - first));
 }
 
-[[noreturn]] void refuse(Name const& place) {
-    throw CommandError("it can't be placed at " + inQuotes(narrowName(place)) + " (" +
-                       printable(narrowName(OS()->getErrors().getLastErrorText())) +
-                       "); make room on its drive or allow writing there");
+[[noreturn]] void refuse(Name const& place, std::string const& reason) {
+    throw CommandError("it can't be placed at " + inQuotes(narrowName(place)) + " (" + reason +
+                       "); make room on its drive and allow writing there");
+}
+
+std::string lastReason() {
+    return printable(narrowName(OS()->getErrors().getLastErrorText()));
 }
 
 }  // namespace
@@ -69,13 +72,13 @@ void MaterialPlacer::placeFile(MediaFileInfo& file, std::vector<FoundFile> const
     file.setMaterialFilename({drive_, path});
     Name const place = file.getLinkFileName();
     if (!OS()->getFileManager().createDirectory(getPath(place))) {
-        refuse(place);
+        refuse(place, lastReason());
     }
     if (placing_ == ePlacing::copy) {
         copy(files, place);
         file.setLink({});
     } else if (!file.createLinkFile(true)) {
-        refuse(place);
+        refuse(place, "no link file can be written, or another file has that name");
     }
 }
 
@@ -88,7 +91,7 @@ void MaterialPlacer::copy(std::vector<FoundFile> const& files, Name const& first
             OS()->getFileManager().copyFile(wideName(files[i].path), place, true, &goOn, nullptr);
         checkForInterrupt();
         if (outcome != iFileManager::copied) {
-            refuse(place);
+            refuse(place, lastReason());
         }
     }
 }

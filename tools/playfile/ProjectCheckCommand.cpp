@@ -1,6 +1,7 @@
 #include "tools/playfile/ProjectCheckCommand.h"
 
 #include "tools/playfile/ClipFiles.h"
+#include "tools/playfile/ClipPages.h"
 #include "tools/playfile/CommandError.h"
 #include "tools/playfile/Interrupt.h"
 #include "tools/playfile/JsonText.h"
@@ -12,8 +13,6 @@
 
 namespace cli {
 namespace {
-
-constexpr std::uint32_t pageLength = 200;
 
 /// Looks, and tells each fault when it is found; as JSON all of them are told at the end.
 class Check {
@@ -54,15 +53,17 @@ private:
     }
     void checkClips() {
         Progress progress("clips", opened_.project().countClips(), !isJson_);
-        ClipSummary last;
-        for (auto page = opened_.project().listClips(last, pageLength); !page.empty();
-             page = opened_.project().listClips(last, pageLength)) {
+        auto const take = [&](std::vector<ClipSummary> const& page) {
             for (ClipSummary const& clip : page) {
                 checkForInterrupt();
                 checkClip(clip);
                 progress.step();
             }
-            last = page.back();
+        };
+        try {
+            forEachPage(opened_.project(), opened_.path(), take);
+        } catch (CommandError const& error) {
+            tell("project", opened_.path(), error.what());
         }
     }
     void checkClip(ClipSummary const& clip) {

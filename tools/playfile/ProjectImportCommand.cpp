@@ -56,7 +56,7 @@ int ProjectImportCommand::run(SessionOptions const& options) {
             exitCode = error.exitCode();
         }
         report = importer.report();
-        report["passedOver"] = walk.passedOver();
+        report["passedOver"] = walk.passedOver() + importer.linkFiles();
     }
     report["vanished"] = problems.vanishedCount();
     report["otherProblems"] = problems.otherCount();

@@ -3,8 +3,8 @@
 #include "tools/playfile/ProjectListCommand.h"
 
 #include "tools/playfile/ClipFiles.h"
+#include "tools/playfile/ClipPages.h"
 #include "tools/playfile/CommandError.h"
-#include "tools/playfile/Interrupt.h"
 #include "tools/playfile/JsonText.h"
 #include "tools/playfile/OpenedProject.h"
 #include "tools/playfile/Output.h"
@@ -14,7 +14,6 @@
 namespace cli {
 namespace {
 
-constexpr std::uint32_t pageLength = 200;
 constexpr std::size_t digitsShown = 8;
 constexpr std::size_t idWidth = 10;
 constexpr std::size_t stateWidth = 12;
@@ -108,16 +107,12 @@ int ProjectListCommand::run(SessionOptions const& options) {
     } else {
         writer = std::make_unique<TableWriter>();
     }
-    ClipSummary last;
-    for (auto page = opened.project().listClips(last, pageLength); !page.empty();
-         page = opened.project().listClips(last, pageLength)) {
-        checkForInterrupt();
+    forEachPage(opened.project(), opened.path(), [&](std::vector<ClipSummary> const& page) {
         for (ClipSummary const& clip : page) {
             writer->add(clip, filesOfClip(clip.cookie, looks_));
         }
         writer->endPage();
-        last = page.back();
-    }
+    });
     writer->finish();
     return exitSuccess;
 }
