@@ -225,7 +225,7 @@ TEST_F(ExtractReal, SamplesOfRandomSectionsAreThoseOfTheLinearDecode) {
 }
 
 TEST_F(ExtractReal, SamplesOfCodecsThatRememberArriveWithinTheBoundOfTheirReads) {
-    constexpr int sectionsOfEach = std::max(1, sectionCount / 10);
+    constexpr int sectionsOfEach = std::max(1, sectionCount / 30);
     std::vector<std::string> const files = filesWithSound(false);
     ASSERT_GE(files.size(), 5U);
     for (std::string const& path : files) {

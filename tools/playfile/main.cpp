@@ -6,17 +6,21 @@
 #include "tools/playfile/AudioCommand.h"
 #include "tools/playfile/CommandError.h"
 #include "tools/playfile/DeleteCommand.h"
+#include "tools/playfile/DownloadCommand.h"
 #include "tools/playfile/ExtractCommand.h"
 #include "tools/playfile/FramesCommand.h"
 #include "tools/playfile/HeaderCommand.h"
 #include "tools/playfile/InfoCommand.h"
 #include "tools/playfile/Interrupt.h"
+#include "tools/playfile/LocaliseCommand.h"
 #include "tools/playfile/Output.h"
 #include "tools/playfile/ProjectCommand.h"
 #include "tools/playfile/QuarantineCommand.h"
 #include "tools/playfile/RecordCommand.h"
+#include "tools/playfile/RelocateCommand.h"
 #include "tools/playfile/ShowCommand.h"
 #include "tools/playfile/SizeCommand.h"
+#include "tools/playfile/TasksCommand.h"
 #include "tools/playfile/Text.h"
 
 namespace cli {
@@ -68,9 +72,14 @@ private:
     SizeCommand size_;
     DeleteCommand delete_;
     ProjectCommand project_;
+    DownloadCommand download_;
+    LocaliseCommand localise_;
+    TasksCommand tasks_;
+    RelocateCommand relocate_;
     QuarantineCommand quarantine_;
-    std::array<Command*, 11> commands_{&info_,   &frames_, &audio_,  &show_,    &record_,    &extract_,
-                                       &header_, &size_,   &delete_, &project_, &quarantine_};
+    std::array<Command*, 15> commands_{&info_,     &frames_,   &audio_, &show_,     &record_,
+                                       &extract_,  &header_,   &size_,  &delete_,   &project_,
+                                       &download_, &localise_, &tasks_, &relocate_, &quarantine_};
 };
 
 int runGuarded(int argc, char** argv) {
