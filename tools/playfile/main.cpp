@@ -60,7 +60,7 @@ public:
     }
 
 private:
-    CLI::App app_{"Opens media files, reads their frames and samples, and records new ones."};
+    CLI::App app_{"Opens media files, reads, records and moves them, and keeps projects of them."};
     SessionOptions options_;
     InfoCommand info_;
     FramesCommand frames_;
