@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "host/sqlite/SqliteProject.h"
 #include "tests/fakes/CallLog.h"
@@ -124,6 +125,39 @@ TEST_F(TransferCommands, SettingsAreWrittenAndReadBack) {
     fs::remove_all(path("out/x"));
     EXPECT_EQ(run({"download", project_, "--all", "--settings", path("s.json")}).exitCode, 0);
     EXPECT_EQ(contents("out/x/a.mov"), "12345");
+}
+
+TEST_F(TransferCommands, ProxiesComeFromTheServerToo) {
+    serve("/a.mov", "original");
+    serve("/p.mp4", "proxy");
+    addLinked(1, "Shot", server_.url("/a.mov"));
+    {
+        auto const project = open();
+        project->install();
+        MediaFileInfo proxy(MaterialFilename('M', wide("p1.mp4")), wide(server_.url("/p.mp4")), 1);
+        proxy.isProxyFile = true;
+        project->catalogue().addFile(videoOf(1), proxy);
+    }
+    EXPECT_EQ(run({"download", project_, "Shot", "--to", path("out"), "--proxy-ext", "mp4"}).exitCode, 0);
+    EXPECT_EQ(contents("out/Shot.proxy.mp4"), "proxy");
+    EXPECT_EQ(run({"localise", project_, "Shot", "--media", "proxies"}).exitCode, 0);
+    EXPECT_EQ(contents("m/p1.mp4"), "proxy");
+    EXPECT_FALSE(fs::exists(path("m/v1.mov")));
+}
+
+TEST_F(TransferCommands, ATerminalShowsABarAndAPipeALineForEachTenth) {
+    test::HttpScript script;
+    script.body = std::string(600, 'x');
+    script.isDripping = true;
+    server_.on("/a.mov", script);
+    addLinked(1, "Shot", server_.url("/a.mov"));
+    std::string const command = std::string(PLAYFILE_CLI) + " --preferences " + path("p.db") + " download " +
+                                project_ + " --all --to " + path("out");
+    Ended const onTerminal = runOther({"script", "-qec", command, "/dev/null"});
+    EXPECT_THAT(onTerminal.out, testing::ContainsRegex("\\[#+-*\\] [0-9]+ %  .*/s  [0-9]+:[0-9][0-9] left"));
+    Ended const inPipe = run({"download", project_, "--all", "--to", path("out")});
+    EXPECT_THAT(inPipe.out, Not(HasSubstr("[#")));
+    EXPECT_THAT(linesOf(inPipe.out), Contains(testing::EndsWith("0 %")));
 }
 
 TEST_F(TransferCommands, BadSettingsAreRefused) {
@@ -359,6 +393,42 @@ TEST_F(TransferCommands, RelocateRefusesDrivesThatAreNotThereAndNothingToRelocat
     EXPECT_THAT(ended.err, HasSubstr("'Q'"));
     EXPECT_EQ(run({"relocate", project_, "--to", "N"}).exitCode, 2);
     EXPECT_EQ(run({"relocate", project_, "--drive", "M", "--clip", "x", "--to", "N"}).exitCode, 2);
+}
+
+TEST_F(TransferCommands, InterruptingARelocationEndsItBetweenTwoClips) {
+    constexpr unsigned clipCount = 3000;
+    std::vector<NewClip> clips;
+    for (unsigned number = 0; number < clipCount; ++number) {
+        writeFile("m/" + std::to_string(number), "whole");
+        Ox::UUID uuid;
+        uuid.bytes[0] = static_cast<std::uint8_t>(number / 256);
+        uuid.bytes[1] = static_cast<std::uint8_t>(number % 256);
+        NewClip clip;
+        clip.cookie = Cookie(uuid, 'E', Cookie::wholeClip);
+        clip.record.videoChannels = 1;
+        clip.media = {{Cookie(uuid, 'V', 0),
+                       {MediaFileInfo(MaterialFilename('M', wide(std::to_string(number))), 5), {}}}};
+        clips.push_back(clip);
+    }
+    ASSERT_TRUE(open()->addClips(clips));
+    Process process({PLAYFILE_CLI, "--preferences", path("p.db"), "relocate", project_, "--drive", "M",
+                     "--to", "N", "--move"},
+                    environment);
+    EXPECT_THAT(process.readLine(), HasSubstr("Building file list"));
+    while (fs::is_empty(path("n"))) {
+        std::this_thread::yield();
+    }
+    process.send(SIGINT);
+    std::string out;
+    std::string err;
+    EXPECT_EQ(process.wait(out, err), 128 + SIGINT);
+    unsigned movedCount = 0;
+    for (unsigned number = 0; number < clipCount; ++number) {
+        bool const isMoved = fs::exists(path("n/" + std::to_string(number)));
+        EXPECT_EQ(contents((isMoved ? "n/" : "m/") + std::to_string(number)), "whole");
+        movedCount += isMoved ? 1 : 0;
+    }
+    EXPECT_LT(movedCount, clipCount);
 }
 
 TEST_F(TransferCommands, AFileThatCannotBeRelocatedIsAnError) {
