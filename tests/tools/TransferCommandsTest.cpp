@@ -357,6 +357,36 @@ TEST_F(TransferCommands, RelocateMovesADrivesMaterialAndCorrectsTheProject) {
     EXPECT_EQ(placeOf(1), path("n/deep/v1.mov"));
 }
 
+/// Between two file systems in memory, with companions and waveforms beside the files.
+TEST_F(TransferCommands, RelocateMovesMaterialBetweenFileSystemsWhateverItsName) {
+    std::vector<std::string> const stems = {"東京 駅", "Größe", "a*b?", "it's $5", "שלום"};
+    fs::create_directories(path("staged/deep"));
+    fs::create_directories(path("kept"));
+    for (unsigned number = 0; number < stems.size(); ++number) {
+        std::string const place = "deep/" + stems[number] + ".mov";
+        for (char const* const extension : {".mov", ".sav", ".wfm"}) {
+            writeFile("staged/deep/" + stems[number] + extension, stems[number] + extension);
+        }
+        addClip(number + 1, stems[number], {MaterialFilename('M', wide(place)), 1});
+    }
+    writeFile("staged/deep/aXb!.sav", "of nobody");
+    std::string const script = "mount -t tmpfs -o size=4m playfile-test " + path("m") +
+                               "\nmount -t tmpfs -o size=4m playfile-test " + path("n") + "\ncp -r " +
+                               path("staged") + "/. " + path("m") + "\n" + PLAYFILE_CLI + " --preferences " +
+                               path("p.db") + " relocate " + project_ +
+                               " --drive M --to N --move\ncode=$?\ncp -r " + path("n") + "/. " +
+                               path("kept") + "\nls " + path("m") + "/deep\nexit $code\n";
+    Ended const ended = runOther({"unshare", "--mount", "sh", "-c", script});
+    EXPECT_EQ(ended.exitCode, 0) << ended.err;
+    for (unsigned number = 0; number < stems.size(); ++number) {
+        for (char const* const extension : {".mov", ".sav", ".wfm"}) {
+            EXPECT_EQ(contents("kept/deep/" + stems[number] + extension), stems[number] + extension);
+        }
+        EXPECT_EQ(placeOf(number + 1), path("n/deep/" + stems[number] + ".mov"));
+    }
+    EXPECT_EQ(linesOf(ended.out).back(), "aXb!.sav");
+}
+
 TEST_F(TransferCommands, RelocateOfAClipCopiesItAndLeavesTheRest) {
     addOwn(1, "One", "first");
     addOwn(2, "Two", "second");
