@@ -55,8 +55,8 @@ protected:
     }
     void writeSeries(std::string const& stem, std::string const& extension, int count) {
         for (int i = 0; i < count; ++i) {
-            char number[8];
-            std::snprintf(number, sizeof(number), "%04d", i + 1);
+            std::string const digits = std::to_string(i + 1);
+            std::string const number = std::string(4 - digits.size(), '0') + digits;
             write(stem + number + extension, std::string(static_cast<std::size_t>(i) + 1, 'x'));
         }
     }
