@@ -134,8 +134,9 @@ std::string fixed(double number, int digits) {
 }
 
 std::size_t displayWidth(std::string_view text) {
+    LightweightString<wchar_t> const letters = widened(text);
     std::size_t width = 0;
-    for (wchar_t const letter : widened(text).view()) {
+    for (wchar_t const letter : letters.view()) {
         auto const character = static_cast<std::uint32_t>(letter);
         width += isIn(marksAboveOthers, character) ? 0 : isIn(wideCharacters, character) ? 2 : 1;
     }

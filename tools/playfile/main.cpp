@@ -2,6 +2,7 @@
 #include <exception>
 #include <string>
 
+#include "ole/os/Shutdown.h"
 #include "playfile/playfile.h"
 #include "tools/playfile/AudioCommand.h"
 #include "tools/playfile/CommandError.h"
@@ -103,5 +104,8 @@ int runGuarded(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     cli::handleSignals();
-    return cli::runGuarded(argc, argv);
+    int const exitCode = cli::runGuarded(argc, argv);
+    // While the libraries that the workers use are still there.
+    Shutdown::run(Shutdown::normalExit);
+    return exitCode;
 }
