@@ -176,6 +176,23 @@ TEST_F(ExternalDownloadTaskTest, OfTwoClipsOfOneNameTheLaterOneWins) {
     EXPECT_EQ(folder_.read("out/Shot.mov"), "the second");
 }
 
+/// A clip is taken for its remote proxy, and its linked original comes along.
+TEST_F(ExternalDownloadTaskTest, ASequenceAndAChunkedFileGetFoldersAndAreNoTargetsOfTheLink) {
+    addClip(1, "Seq", {.velocity = 1.0});
+    addClip(2, "Chunked");
+    for (char const* const name : {"f0001.dpx", "f0002.dpx", "A_001.R3D", "A_002.R3D"}) {
+        write(std::string("elsewhere/") + name, name);
+    }
+    MediaFileInfo proxy = asProxy(linked('M', "p", "far://p.mov"));
+    proxy.status = MediaFileInfo::missing;
+    catalogue_.addEntry(video(1), linked('M', "1.dpx", "elsewhere/f0001.dpx"), {proxy});
+    catalogue_.addEntry(video(2), linked('M', "2.R3D", "elsewhere/A_001.R3D"), {proxy});
+    EXPECT_EQ(run({clip(1), clip(2)}, mediaAll, Settings::namedByClip), 1);
+    EXPECT_EQ(folder_.read("out/Seq/f0002.dpx"), "f0002.dpx");
+    EXPECT_EQ(folder_.read("out/Chunked/A_002.R3D"), "A_002.R3D");
+    EXPECT_EQ(calls_->all().back(), "log 6 " + folder_.file("out"));
+}
+
 TEST_F(ExternalDownloadTaskTest, ExactlyAsMuchAsIsFreeIsRefused) {
     addRemoteClip(1, "Shot");
     files_.freeBytes = 8;
