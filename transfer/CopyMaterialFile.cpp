@@ -53,16 +53,15 @@ public:
 private:
     /// The link itself, if it leads to another drive's own folder; else the file.
     eCopyRC bring(Ox::Ptr<MediaDrive> const& destination) {
-        if (isLinkedLocal(file_)) {
-            Name const physical = file_.getPhysicalFilename(false);
-            Ox::Ptr<MediaDrive> const location = findMediaLocationFromFile(physical);
-            if (location->getId() != target_.getDrive()) {
-                Name const newPhysical =
-                    physical.substitute(location->getLocation(0), destination->getLocation(0));
-                bool const isWritten =
-                    MediaFileInfo(target_, newPhysical, file_.fileSize).createLinkFile(false);
-                return isWritten ? iFileManager::copied : iFileManager::copyNoFolder;
-            }
+        Name const physical = file_.getPhysicalFilename(false);
+        Ox::Ptr<MediaDrive> const location =
+            isLinkedLocal(file_) ? findMediaLocationFromFile(physical) : Ox::Ptr<MediaDrive>();
+        // A drive may go at any time: then the copy below says that its place isn't there.
+        if (location && destination && location->getId() != target_.getDrive()) {
+            Name const newPhysical =
+                physical.substitute(location->getLocation(0), destination->getLocation(0));
+            bool const isWritten = MediaFileInfo(target_, newPhysical, file_.fileSize).createLinkFile(false);
+            return isWritten ? iFileManager::copied : iFileManager::copyNoFolder;
         }
         return files().copyFile(sourcePath_, targetPath_, true, progress,
                                 static_cast<ProgressReportClient*>(&handle_));

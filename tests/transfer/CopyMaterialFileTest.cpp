@@ -237,6 +237,14 @@ TEST_F(LinkedMaterial, ALinkThatCannotBeWrittenIsCodeOne) {
                             folder_.file("n/v.mov") + ")"));
 }
 
+TEST_F(LinkedMaterial, ADestinationThatHasGoneIsAFailureAndNothingElse) {
+    catalogue_.addEntry(video(), linkTo(videoFolder("o") + "x.mov"), {});
+    copyMaterialFile(makeLogicalMediaFile(video(), 'Q'), 'Q', MaterialMove::moveFiles, LoggerHandle(log_));
+    EXPECT_THAT(recorded({"log "}), SizeIs(1));
+    EXPECT_TRUE(folder_.holds("m/v.mov"));
+    EXPECT_THAT(filed(), ElementsAre("M:v.mov"));
+}
+
 TEST_F(LinkedMaterial, OnlyAFileOfTheKindElsewhereIsALink) {
     MediaFileInfo info = linked('M', "v.mov", videoFolder("o") + "x.mov");
     EXPECT_TRUE(isLinkedLocal(info));

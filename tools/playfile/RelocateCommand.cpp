@@ -12,6 +12,7 @@
 #include "tools/playfile/OpenedProject.h"
 #include "tools/playfile/Output.h"
 #include "tools/playfile/RateDisplay.h"
+#include "tools/playfile/RelocationMeter.h"
 #include "tools/playfile/Text.h"
 #include "tools/playfile/TransferLog.h"
 #include "transfer/MaterialMove.h"
@@ -72,7 +73,7 @@ int RelocateCommand::run(SessionOptions const& options) {
     DriveId const destination = driveNamed(to_);
     CookieVec const chosen = clips(opened);
     RelocationPlan const plan = RelocationPlan::of(chosen, destination);
-    return isDryRun_ ? tell(plan) : relocate(chosen, destination, plan.needed);
+    return isDryRun_ ? tell(plan) : relocate(chosen, destination, plan);
 }
 
 int RelocateCommand::tell(RelocationPlan const& plan) const {
@@ -95,7 +96,7 @@ int RelocateCommand::tell(RelocationPlan const& plan) const {
 }
 
 /// What would still have to be copied afterwards wasn't, whatever the reason: that is a failure.
-int RelocateCommand::relocate(CookieVec const& clips, DriveId destination, std::uint64_t needed) const {
+int RelocateCommand::relocate(CookieVec const& clips, DriveId destination, RelocationPlan const& plan) const {
     Ox::Ptr<TransferLog> const log = Ox::makePtr<TransferLog>();
     MaterialMove::eType const type = isMove_ ? MaterialMove::moveFiles : MaterialMove::copyFiles;
     Json report;
@@ -115,13 +116,14 @@ int RelocateCommand::relocate(CookieVec const& clips, DriveId destination, std::
     {
         EscapeKey const escape;
         RateDisplay display;
+        RelocationMeter meter(plan);
         std::future<void> const work = std::async(
             std::launch::async, [&] { MaterialMove::relocate(destination, clips, type, LoggerHandle(log)); });
         while (work.wait_for(lookInterval) != std::future_status::ready) {
             display.wipe();
             show();
             if (!isJson_) {
-                display.show(log->calcAggregateProgress(), needed);
+                display.show(meter.fraction(), plan.needed);
             }
         }
     }

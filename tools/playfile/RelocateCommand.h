@@ -23,7 +23,7 @@ private:
     [[nodiscard]] DriveId driveNamed(std::string const& name) const;
     [[nodiscard]] CookieVec clips(OpenedProject& opened) const;
     [[nodiscard]] int tell(RelocationPlan const& plan) const;
-    [[nodiscard]] int relocate(CookieVec const& clips, DriveId destination, std::uint64_t needed) const;
+    [[nodiscard]] int relocate(CookieVec const& clips, DriveId destination, RelocationPlan const& plan) const;
 
     CLI::App* command_ = nullptr;
     std::string project_;

@@ -38,15 +38,15 @@ void RelocationPlan::addShot(Cookie const& shot, DriveId destination) {
     DriveId const drive = driveOf(shot);
     Ox::Ptr<FsysDirectoryEntry> const entry = SystemCache::instance()->findEntryForCookie(shot);
     if (!entry) {
-        files.push_back({shot.asString().str(), 0, "the catalogue doesn't know it"});
+        files.push_back({shot.asString().str(), 0, "the catalogue doesn't know it", {}});
         return;
     }
     std::vector<MediaFileInfo> all = entry->getProxyFiles();
     all.insert(all.begin(), *entry);
     for (MediaFileInfo const& file : all) {
         LightweightString<wchar_t> const name = file.materialFilename.getOsPath();
-        File planned{narrowName(name), fileSize(name), {}};
         MaterialFilename const target(destination, file.materialFilename.getPath());
+        File planned{narrowName(name), fileSize(name), {}, narrowName(target.getOsPath())};
         if (drive == destination) {
             planned.reason = "its clip is on the destination already";
         } else if (isOn(file, destination)) {

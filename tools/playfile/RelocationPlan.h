@@ -19,6 +19,8 @@ struct RelocationPlan {
         std::uint64_t size = 0;
         /// Empty for one that would be copied.
         std::string reason;
+        /// Where it would come to lie.
+        std::string target;
     };
 
     /// Of the media that these clips refer to.
