@@ -35,17 +35,6 @@ public:
     }
     [[nodiscard]] std::uint32_t getLogType() const override { return facts.logType; }
     [[nodiscard]] LightweightString<wchar_t> getName() const override { return wide(facts.name); }
-    [[nodiscard]] bool isImage() const override { return facts.isImage; }
-    [[nodiscard]] bool isEmpty(ExtentType type) const override {
-        return type == Editable::mediaExtent && facts.isEmpty;
-    }
-    [[nodiscard]] LightweightString<char> getAttrib(LightweightString<char> const& name) const override {
-        return name.view() == "chans" ? LightweightString<char>(facts.channels) : LightweightString<char>();
-    }
-    [[nodiscard]] EditItem getItemAt(IdStamp const& channel, double seconds) const override {
-        return channel == IdStamp(7) && seconds == 1.5 ? facts.item : EditItem();
-    }
-
     [[nodiscard]] bool isValid() const override { return facts.isValid; }
     [[nodiscard]] IdStamp getId(std::uint32_t number) const override { return IdStamp(number + 1); }
     [[nodiscard]] Ox::Ptr<Cel> getCel(IdStamp const& channel) const override {
@@ -279,12 +268,4 @@ void FakeCatalogue::close(Edit&) {
     calls_->add("edit.close");
     std::lock_guard const scope(lock_);
     --openEdits_;
-}
-
-Cookie makeCookie(unsigned clip, CookieType type, std::uint8_t channel) {
-    Ox::UUID uuid;
-    uuid.bytes[0] = 0xA5;
-    uuid.bytes[14] = static_cast<std::uint8_t>(clip >> 8);
-    uuid.bytes[15] = static_cast<std::uint8_t>(clip);
-    return Cookie(uuid, type, channel);
 }

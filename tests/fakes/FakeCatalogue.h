@@ -9,6 +9,7 @@
 
 #include "header/SavHeader.h"
 #include "tests/fakes/CallLog.h"
+#include "tests/support/MadeCookie.h"
 #include "toolkit/catalogue/MaterialInfo.h"
 #include "toolkit/catalogue/SystemCache.h"
 #include "toolkit/edit/Edit.h"
@@ -55,12 +56,6 @@ public:
     struct ClipFacts {
         std::uint32_t logType = logShot;
         std::string name = {};
-        bool isImage = false;
-        bool isEmpty = false;
-        /// The attribute "chans".
-        std::string channels = {};
-        /// What lies in channel 7 at second 1.5, and nowhere else.
-        EditItem item = {};
         bool isValid = true;
         /// How fast its first channel is shown; none: it has no such channel.
         std::optional<double> velocity = {};
@@ -112,6 +107,3 @@ private:
     MaterialInfo::iStore* const oldMaterial_;
     iEditStore* const oldEdits_;
 };
-
-/// A cookie that tells its clip from those of other numbers.
-[[nodiscard]] Cookie makeCookie(unsigned clip, CookieType type = 'V', std::uint8_t channel = 0);

@@ -9,16 +9,23 @@
 
 #include "material/MaterialManager.h"
 #include "tests/fakes/CallLog.h"
-#include "tests/fakes/FakeCatalogue.h"
 #include "tests/fakes/FakeProjectSpaces.h"
 #include "tests/fakes/LogRecorder.h"
 #include "tests/fakes/ScriptedFileManager.h"
+#include "tests/material/HostedMedia.h"
+#include "tests/support/MadeCookie.h"
 
 namespace test {
 
-/// Clips whose media are here, linked, remote or missing, as a test says. Names that begin with "far:" are
-/// remote.
-class MaterialFixture : public testing::Test {
+/// Clips whose media are here, linked, remote or missing, as a test says, on each host. Names that begin with
+/// "far:" are remote.
+class MaterialFixture : public testing::TestWithParam<Host> {
+public:
+    static auto hosts() { return testing::Values(Host::memory, Host::sqlite); }
+    [[nodiscard]] static std::string nameOf(testing::TestParamInfo<Host> const& tested) {
+        return tested.param == Host::memory ? "Memory" : "Sqlite";
+    }
+
 protected:
     MaterialFixture() { files_.remotePrefix = "far:"; }
 
@@ -43,10 +50,7 @@ protected:
     }
     static Cookie sound(unsigned number, std::uint8_t channel) { return makeCookie(number, 'S', channel); }
 
-    void addClip(Cookie const& cookie, FakeCatalogue::ClipFacts const& facts = {}) {
-        catalogue_.addEdit(cookie, nullptr);
-        catalogue_.setFacts(cookie, facts);
-    }
+    void addClip(Cookie const& cookie, ClipFacts const& facts = {}) { media_.addClip(cookie, facts); }
     /// The cookies as they are, where a vector is wanted.
     static CookieVec vectorOf(std::vector<Cookie> const& cookies) {
         CookieVec vector;
@@ -58,7 +62,7 @@ protected:
     static std::vector<Cookie> listOf(CookieVec const& cookies) { return {cookies.begin(), cookies.end()}; }
 
     std::shared_ptr<CallLog> const calls_ = std::make_shared<CallLog>();
-    FakeCatalogue catalogue_{calls_};
+    HostedMedia media_{GetParam(), calls_};
     ScriptedFileManager files_{calls_};
     FakeProjectSpaces spaces_;
     LogRecorder log_;

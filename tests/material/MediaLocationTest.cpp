@@ -51,8 +51,7 @@ protected:
     }
     /// A clip with a file of video and one of sound.
     void addShot(unsigned number = 1, std::uint32_t logType = logShot) {
-        addClip(clip(number), {.logType = logType, .channels = "V A1"});
-        catalogue_.setChannels(clip(number), 1, 1);
+        addClip(clip(number), {.logType = logType, .channels = "V A1", .videoCount = 1, .audioCount = 1});
     }
     /// A sequence that shows `item` at the current time.
     void addSequence(EditItem const& item) { addClip(clip(9), {.logType = logSequence, .item = item}); }
@@ -62,9 +61,9 @@ protected:
     static bool isOffline(Cookie const& cookie) { return isMediaOffline(FakeModule(cookie)); }
 };
 
-TEST_F(MediaLocationTest, ListsEveryMediaFileAndStatesOfKnownOnes) {
+TEST_P(MediaLocationTest, ListsEveryMediaFileAndStatesOfKnownOnes) {
     addShot();
-    catalogue_.addEntry(video(), own("/m/v.mov"), {ownProxy("/m/p.mov")});
+    media_.addEntry(video(), own("/m/v.mov"), {ownProxy("/m/p.mov")});
     files_.addFile("/m/v.mov");
     MediaLocationInfo const info = infoOf(clip());
     EXPECT_THAT(info.mediaFiles, ElementsAre(video(), sound(1, 1)));
@@ -72,144 +71,143 @@ TEST_F(MediaLocationTest, ListsEveryMediaFileAndStatesOfKnownOnes) {
     EXPECT_THAT(info.audioStates, ElementsAre(0U));
 }
 
-TEST_F(MediaLocationTest, TellsFolderAndNameOfALocalFile) {
+TEST_P(MediaLocationTest, TellsFolderAndNameOfALocalFile) {
     addShot();
-    catalogue_.addEntry(video(), own("/m/v.mov"));
+    media_.addEntry(video(), own("/m/v.mov"));
     MediaLocationInfo const info = infoOf(clip());
     EXPECT_THAT(narrowed(info.locations), ElementsAre("/m/"));
     EXPECT_THAT(narrowed(info.filenames), ElementsAre("v.mov"));
 }
 
-TEST_F(MediaLocationTest, TellsTheDisplayNameOfARemoteFile) {
+TEST_P(MediaLocationTest, TellsTheDisplayNameOfARemoteFile) {
     NamedStore store;
     files_.remoteStore = &store;
     addShot();
-    catalogue_.addEntry(video(), linked("far:v"));
+    media_.addEntry(video(), linked("far:v"));
     MediaLocationInfo const info = infoOf(clip());
     EXPECT_THAT(narrowed(info.locations), ElementsAre("cloud of far:v"));
     EXPECT_THAT(narrowed(info.filenames), ElementsAre(""));
 }
 
-TEST_F(MediaLocationTest, TellsTheWholeNameOfARemoteFileWithoutAStore) {
+TEST_P(MediaLocationTest, TellsTheWholeNameOfARemoteFileWithoutAStore) {
     addShot();
-    catalogue_.addEntry(video(), linked("far:/d/v"));
+    media_.addEntry(video(), linked("far:/d/v"));
     MediaLocationInfo const info = infoOf(clip());
     EXPECT_THAT(narrowed(info.locations), ElementsAre("far:/d/v"));
     EXPECT_THAT(narrowed(info.filenames), ElementsAre(""));
 }
 
-TEST_F(MediaLocationTest, AKnownFileWithoutANameHasStatesOnly) {
+TEST_P(MediaLocationTest, AKnownFileWithoutANameHasStatesOnly) {
     addShot();
-    catalogue_.addEntry(video(), own(""));
+    media_.addEntry(video(), own(""));
     MediaLocationInfo const info = infoOf(clip());
     EXPECT_EQ(info.videoStates.size(), 1U);
     EXPECT_THAT(info.locations, IsEmpty());
     EXPECT_THAT(info.filenames, IsEmpty());
 }
 
-TEST_F(MediaLocationTest, AFileOfNoDriveHasALocationAndNoMaterialName) {
+TEST_P(MediaLocationTest, AFileOfNoDriveHasALocationAndNoMaterialName) {
     addShot();
-    catalogue_.addEntry(video(), own("/m/v.mov"));
+    media_.addEntry(video(), own("/m/v.mov"));
     MediaLocationInfo const info = infoOf(clip());
     EXPECT_THAT(info.materialFiles, IsEmpty());
     EXPECT_EQ(info.locations.size(), 1U);
 }
 
-TEST_F(MediaLocationTest, AFileOnADriveHasAMaterialName) {
+TEST_P(MediaLocationTest, AFileOnADriveHasAMaterialName) {
     addShot();
     MaterialFilename const material(DriveId('A'), wide("Vision/v.mov"));
-    catalogue_.addEntry(video(), MediaFileInfo(material, wide("/elsewhere/v.mov"), 1));
-    catalogue_.addEntry(sound(1, 1), MediaFileInfo(MaterialFilename(DriveId('A'), wide("")), 1));
+    media_.addEntry(video(), MediaFileInfo(material, wide("/elsewhere/v.mov"), 1));
+    media_.addEntry(sound(1, 1), MediaFileInfo(MaterialFilename(DriveId('A'), wide("")), 1));
     EXPECT_THAT(infoOf(clip()).materialFiles, ElementsAre(material));
 }
 
-TEST_F(MediaLocationTest, ShotsImagesAndImportsHaveTheFilesOfTheirChannels) {
+TEST_P(MediaLocationTest, ShotsImagesAndImportsHaveTheFilesOfTheirChannels) {
     for (std::uint32_t const type : {1U, 1024U, 2048U}) {
         addShot(1, type);
         EXPECT_EQ(infoOf(clip()).mediaFiles.size(), 2U) << type;
     }
 }
 
-TEST_F(MediaLocationTest, GroupsHaveTheFilesThatTheyReferTo) {
+TEST_P(MediaLocationTest, GroupsHaveTheFilesThatTheyReferTo) {
     for (std::uint32_t const type : {4U, 16U}) {
         addClip(clip(), {.logType = type});
-        catalogue_.setReferences(clip(), 2, {video(5), clip(6)});
+        media_.setReferences(clip(), 2, {video(5), clip(6)});
         EXPECT_THAT(infoOf(clip()).mediaFiles, ElementsAre(video(5), clip(6))) << type;
     }
-    EXPECT_EQ(catalogue_.openEdits(), 0);
+    EXPECT_EQ(media_.openEdits(), 0);
 }
 
-TEST_F(MediaLocationTest, AnEmptyGroupHasNoFiles) {
+TEST_P(MediaLocationTest, AnEmptyGroupHasNoFiles) {
     addClip(clip(), {.logType = 4, .isEmpty = true});
-    catalogue_.setReferences(clip(), 2, {video(5)});
+    media_.setReferences(clip(), 2, {video(5)});
     EXPECT_THAT(infoOf(clip()).mediaFiles, IsEmpty());
 }
 
-TEST_F(MediaLocationTest, OtherClipsHaveNoRecord) {
+TEST_P(MediaLocationTest, OtherClipsHaveNoRecord) {
     for (std::uint32_t const type : {0U, 2U, 32U, 64U}) {
         addShot(1, type);
-        catalogue_.setReferences(clip(), 2, {video()});
+        media_.setReferences(clip(), 2, {video()});
         EXPECT_THAT(infoOf(clip()).mediaFiles, IsEmpty()) << type;
     }
 }
 
-TEST_F(MediaLocationTest, AnUnknownClipHasAnEmptyRecordThatIsNotOffline) {
+TEST_P(MediaLocationTest, AnUnknownClipHasAnEmptyRecordThatIsNotOffline) {
     MediaLocationInfo const info = infoOf(clip());
     EXPECT_THAT(info.mediaFiles, IsEmpty());
     EXPECT_FALSE(info.allMediaOffline());
 }
 
-TEST_F(MediaLocationTest, OneAvailableFileOrProxyIsEnoughToBeOnline) {
+TEST_P(MediaLocationTest, OneAvailableFileOrProxyIsEnoughToBeOnline) {
     addShot();
-    catalogue_.addEntry(video(), own("/m/v"));
-    catalogue_.addEntry(sound(1, 1), own("/m/s"), {ownProxy("/m/p")});
+    media_.addEntry(video(), own("/m/v"));
+    media_.addEntry(sound(1, 1), own("/m/s"), {ownProxy("/m/p")});
     EXPECT_TRUE(infoOf(clip()).allMediaOffline());
     files_.addFile("/m/p");
     EXPECT_FALSE(infoOf(clip()).allMediaOffline());
 }
 
-TEST_F(MediaLocationTest, AWindowWithoutAClipIsNotOffline) {
+TEST_P(MediaLocationTest, AWindowWithoutAClipIsNotOffline) {
     EXPECT_FALSE(isOffline(clip()));
 }
 
-TEST_F(MediaLocationTest, AnEmptyClipIsNotOffline) {
-    addClip(clip(), {.isEmpty = true, .channels = "V A1"});
-    catalogue_.setChannels(clip(), 1, 1);
+TEST_P(MediaLocationTest, AnEmptyClipIsNotOffline) {
+    addClip(clip(), {.channels = "V A1", .videoCount = 1, .audioCount = 1, .isEmpty = true});
     EXPECT_FALSE(isOffline(clip()));
 }
 
-TEST_F(MediaLocationTest, AShotWithoutItsFilesIsOffline) {
+TEST_P(MediaLocationTest, AShotWithoutItsFilesIsOffline) {
     for (std::uint32_t const type : {1U, 1024U}) {
         addShot(1, type);
         EXPECT_TRUE(isOffline(clip())) << type;
     }
 }
 
-TEST_F(MediaLocationTest, AGroupWithoutItsFilesIsOffline) {
+TEST_P(MediaLocationTest, AGroupWithoutItsFilesIsOffline) {
     for (std::uint32_t const type : {4U, 16U}) {
         addClip(clip(), {.logType = type});
-        catalogue_.setReferences(clip(), 2, {video(5)});
+        media_.setReferences(clip(), 2, {video(5)});
         EXPECT_TRUE(isOffline(clip())) << type;
     }
 }
 
-TEST_F(MediaLocationTest, OtherClipsAreNeverOffline) {
+TEST_P(MediaLocationTest, OtherClipsAreNeverOffline) {
     for (std::uint32_t const type : {0U, 32U, 64U, 2048U}) {
         addShot(1, type);
         EXPECT_FALSE(isOffline(clip())) << type;
     }
 }
 
-TEST_F(MediaLocationTest, OfASequenceTheItemAtTheCurrentTimeDecides) {
+TEST_P(MediaLocationTest, OfASequenceTheItemAtTheCurrentTimeDecides) {
     addShot(1);
     addSequence(showing(video(1, 3)));
     EXPECT_TRUE(isOffline(clip(9)));
-    catalogue_.addEntry(video(1), own("/m/v"));
+    media_.addEntry(video(1), own("/m/v"));
     files_.addFile("/m/v");
     EXPECT_FALSE(isOffline(clip(9)));
 }
 
-TEST_F(MediaLocationTest, ASequenceWithoutASelectedChannelIsNotOffline) {
+TEST_P(MediaLocationTest, ASequenceWithoutASelectedChannelIsNotOffline) {
     addShot(1);
     addSequence(showing(video(1)));
     FakeModule module(clip(9));
@@ -217,7 +215,7 @@ TEST_F(MediaLocationTest, ASequenceWithoutASelectedChannelIsNotOffline) {
     EXPECT_FALSE(isMediaOffline(module));
 }
 
-TEST_F(MediaLocationTest, OnlyTheFirstSelectedChannelCounts) {
+TEST_P(MediaLocationTest, OnlyTheFirstSelectedChannelCounts) {
     addShot(1);
     addSequence(showing(video(1)));
     FakeModule module(clip(9));
@@ -225,46 +223,45 @@ TEST_F(MediaLocationTest, OnlyTheFirstSelectedChannelCounts) {
     EXPECT_FALSE(isMediaOffline(module));
 }
 
-TEST_F(MediaLocationTest, WhereNothingLiesNothingIsOffline) {
+TEST_P(MediaLocationTest, WhereNothingLiesNothingIsOffline) {
     addShot(1);
     addSequence({false, {}, CelEventPair(video(1))});
     EXPECT_FALSE(isOffline(clip(9)));
 }
 
-TEST_F(MediaLocationTest, AnEffectIsNeverOffline) {
+TEST_P(MediaLocationTest, AnEffectIsNeverOffline) {
     addShot(1);
     addSequence(showing(video(1), Ox::makePtr<EffectInstance_opu4h5a4j>()));
     EXPECT_FALSE(isOffline(clip(9)));
 }
 
-TEST_F(MediaLocationTest, AnotherNodeLeavesTheQuestionToTheMedia) {
+TEST_P(MediaLocationTest, AnotherNodeLeavesTheQuestionToTheMedia) {
     addShot(1);
     addSequence(showing(video(1), Ox::makePtr<EditNode>()));
     EXPECT_TRUE(isOffline(clip(9)));
 }
 
-TEST_F(MediaLocationTest, AHandleThatIsNotValidIsNotOffline) {
+TEST_P(MediaLocationTest, AHandleThatIsNotValidIsNotOffline) {
     addSequence({true, {}, CelEventPair()});
     EXPECT_FALSE(isOffline(clip(9)));
 }
 
-TEST_F(MediaLocationTest, AStripWithoutMediaIsNotOffline) {
+TEST_P(MediaLocationTest, AStripWithoutMediaIsNotOffline) {
     for (std::uint32_t const first : {1U, 2U}) {
         Ox::UUID uuid;
         std::uint32_t const words[] = {first, 647};
         std::memcpy(uuid.bytes.data(), words, sizeof words);
         Cookie const strip(uuid, 'V', 0);
         Cookie const shot = convertCookie(strip, 'E', Cookie::wholeClip);
-        addClip(shot);
-        catalogue_.setChannels(shot, 1, 0);
+        addClip(shot, {.videoCount = 1});
         addSequence(showing(strip));
         EXPECT_EQ(isOffline(clip(9)), first == 2) << first;
     }
 }
 
-TEST_F(MediaLocationTest, DeliberateSomeOfflineAnswersAsAllOffline) {
+TEST_P(MediaLocationTest, DeliberateSomeOfflineAnswersAsAllOffline) {
     addShot(1);
-    catalogue_.addEntry(video(), own("/m/v"));
+    media_.addEntry(video(), own("/m/v"));
     addShot(2);
     files_.addFile("/m/v");
     for (unsigned const number : {1U, 2U, 3U}) {
@@ -274,6 +271,8 @@ TEST_F(MediaLocationTest, DeliberateSomeOfflineAnswersAsAllOffline) {
     }
     EXPECT_FALSE(MediaLocationUtils::isSomeMediaOffline(FakeModule(clip(1))));
 }
+
+INSTANTIATE_TEST_SUITE_P(Hosts, MediaLocationTest, MaterialFixture::hosts(), MaterialFixture::nameOf);
 
 }  // namespace
 }  // namespace test
