@@ -12,6 +12,7 @@
 namespace {
 
 Gate gate{false};
+Gate hasDecoded{false};
 Gate fileGone{false};
 std::function<void()> onDecode = [] { gate.pass(); };
 
@@ -39,6 +40,7 @@ public:
             surface.set();
         }
         tiny::say("decoded");
+        hasDecoded.open();
         return frameRead;
     }
     unsigned int readVideoDirect(Ox::Ptr<FrameBufferRep>&, Ox::Ptr<VideoReadRequest>&) override {
@@ -62,7 +64,10 @@ tiny::RequestPtr startDecoding() {
 tiny::RequestPtr decodeBehindTheGate() {
     tiny::RequestPtr const request = startDecoding();
     static_cast<void>(gate.waitForArrivals(1));
-    tiny::atShutdown(400, [] { gate.open(); });
+    tiny::atShutdown(400, [] {
+        gate.open();
+        hasDecoded.pass();
+    });
     return request;
 }
 
