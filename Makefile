@@ -63,7 +63,7 @@ bench: release
 	build/release/bin/playfile_remotebench --folder build --size 256
 	build/release/bin/playfile_transferbench --folder build --size 256 --files 2000 --rounds 3
 
-check: release tsa
+check: release
 	@scripts/check-all.sh
 
 format: deps

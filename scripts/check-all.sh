@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs all checks of the tree; needs the builds of the presets release and tsa.
+# Runs all checks of the tree; needs the build of the preset release.
 set -uo pipefail
 cd "$(dirname "$0")/.."
 
@@ -11,7 +11,7 @@ check check-layers.py
 check check-format.py
 check check-headers.py
 check check-symbols.py build/release
-check check-tidy.py build/tsa
+check check-tidy.py
 
 if [ ${#failed[@]} != 0 ]; then
     echo "failed: ${failed[*]}" >&2

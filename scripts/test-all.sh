@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds every preset and runs all tests: all labels on the release build, then the suites under the
-# address and undefined-behaviour sanitizers and under the thread sanitizer.
+# Looks at all that is shipped with clang-tidy, then builds and runs all tests: all labels on the release build,
+# the suites under the address and undefined-behaviour sanitizers and under the thread sanitizer.
 #
 # A step that fails does not keep the later ones from running; the end says which tests failed, and of each
 # step whether it passed and how long it took. The exit code is 0 only when every step passed.
@@ -43,8 +43,8 @@ suite() {
     "${launcher[@]}" ctest --test-dir "build/$1" --output-on-failure --no-tests=error -j "$jobs" "${@:2}"
 }
 
+step "clang-tidy, thread-safety analysis" scripts/check-tidy.py
 step "test media" scripts/make-test-media.sh build/media
-step "build tsa (thread-safety analysis)" scripts/build.sh tsa -j "$jobs"
 step "build release" scripts/build.sh release -j "$jobs" &&
     step "tests, release" suite release
 step "build asan" scripts/build.sh asan -j "$jobs" &&
