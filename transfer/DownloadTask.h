@@ -64,11 +64,8 @@ public:
     /// Bytes of all that is to be copied; 0 where that isn't known yet, and where frames are counted.
     [[nodiscard]] std::uint64_t getTotalBytes() const { return countsFrames_ ? 0 : totalBytes.load(); }
 
-protected:
     using Name = LightweightString<wchar_t>;
     using eCopyRC = iFileManager::eCopyRC;
-
-    explicit DownloadTask(Args const& args);
 
     /// Does one job.
     [[nodiscard]] virtual eCopyRC save(CopyJob const& job) = 0;
@@ -98,6 +95,9 @@ protected:
     /// What the file manager tells of a copy: `task` is the object. @return 0 if it is to stop
     static int copyProgress(void* task, unsigned long copied, unsigned long total);
     void logCopyFailure(eCopyRC code, Name const& destination);
+
+protected:
+    explicit DownloadTask(Args const& args);
 
     std::set<Cookie> clips;
     eMediaTypes mediaTypes;

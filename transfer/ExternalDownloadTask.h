@@ -8,7 +8,7 @@
 ///
 /// Deliberate With names by clip, two clips of one name go to one destination, and the later one wins. A list that
 ///            fills the volume to its last byte is refused.
-class ExternalDownloadTask final : public DownloadTask {
+class ExternalDownloadTask : public DownloadTask {
 public:
     using Settings = ExternalDownloadSettings;
 
@@ -18,14 +18,14 @@ public:
 
     explicit ExternalDownloadTask(Args const& args) : DownloadTask(args), settings(args.settings) {}
 
-protected:
     int run() override;
     using DownloadTask::save;
     [[nodiscard]] eCopyRC save(CopyJob const& job) override;
     [[nodiscard]] bool sufficientDiskSpace(Jobs const& jobs, Ox::Ptr<iTaskLog> const& log) const override;
 
+protected:
+    Settings const settings;
+
 private:
     [[nodiscard]] Name fileNameFor(CopyJob const& job, EditPtr const& edit) const;
-
-    Settings const settings;
 };

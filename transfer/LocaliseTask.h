@@ -8,7 +8,7 @@
 /// Deliberate Each drive is tested against the bytes of the whole task; space for exactly that is enough. A failed
 ///            copy of a high-resolution file takes the proxy of that name out of the catalogue too. After a failure
 ///            or a stop all clips are told that they have changed.
-class LocaliseTask final : public DownloadTask {
+class LocaliseTask : public DownloadTask {
 public:
     /// In `clipSelection`: clips that can't be downloaded, as their media are linked.
     static constexpr std::uint32_t selectLinked = 1;
@@ -23,7 +23,6 @@ public:
     explicit LocaliseTask(Args const& args)
         : DownloadTask(args), targetDrive(args.targetDrive), clipSelection(args.clipSelection) {}
 
-protected:
     int run() override;
     using DownloadTask::save;
     [[nodiscard]] eCopyRC save(CopyJob const& job) override;
@@ -31,6 +30,11 @@ protected:
     [[nodiscard]] bool sufficientDiskSpace(Jobs const& jobs, Ox::Ptr<iTaskLog> const& log) const override;
     /// Corrects the catalogue after a job.
     void updateStatus(CopyJob const& job, eCopyRC code);
+
+protected:
+    /// As the starter said; each job's own data say where it goes.
+    DriveId const targetDrive;
+    std::uint32_t const clipSelection;
 
 private:
     [[nodiscard]] std::set<Cookie> selectedMedia() const;
@@ -42,8 +46,4 @@ private:
     void bringFromSpace(CopyJob const& job, FsysDirectoryEntry& entry);
     void updateSound(FsysDirectoryEntry& entry);
     static void updatePictures(CopyJob const& job, FsysDirectoryEntry& entry);
-
-    /// As the starter said; each job's own data say where it goes.
-    DriveId const targetDrive;
-    std::uint32_t const clipSelection;
 };

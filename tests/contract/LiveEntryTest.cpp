@@ -43,6 +43,14 @@ TEST_P(LiveEntryContract, AnEmptyLinkMeansTheFileAtTheMaterialsPlace) {
     EXPECT_EQ(entry()->kind, MediaFileInfo::kindHere);
 }
 
+TEST_P(LiveEntryContract, ItsOwnPlaceIsNoLink) {
+    catalogue_->addFile(video_, MediaFileInfo(MaterialFilename(DriveId::none, L"/m/a"), L"/far/a", 1));
+    entry()->setLinkedFilename(L"/m/a");
+    EXPECT_EQ(found(video_), "/m/a");
+    EXPECT_FALSE(entry()->isLinked());
+    EXPECT_EQ(entry()->kind, MediaFileInfo::kindHere);
+}
+
 TEST_P(LiveEntryContract, AnEntryShowsItsOwnChangesAlsoWhenItIsSliced) {
     catalogue_->addFile(video_, own("/m/a"));
     auto const changed = entry();
@@ -263,6 +271,8 @@ TEST_P(LiveEntryContract, TheDriveOfAnUnknownCookieIsNotAvailable) {
 TEST_P(LiveEntryContract, TakesFilesOfKnownKindsAsMedia) {
     EXPECT_TRUE(catalogue_->isEligible(L"a.MOV"));
     EXPECT_TRUE(catalogue_->isEligible(L"a.wav"));
+    EXPECT_TRUE(catalogue_->isEligible(L"A001_C001.R3D"));
+    EXPECT_TRUE(catalogue_->isEligible(L"still.dng"));
     EXPECT_FALSE(catalogue_->isEligible(L"a.xml"));
     EXPECT_FALSE(catalogue_->isEligible(L"mov"));
 }

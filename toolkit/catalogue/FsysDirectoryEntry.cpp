@@ -116,12 +116,16 @@ void FsysDirectoryEntry::change(iMediaKeeper::Change const& change) {
     }
 }
 
+/// A link to itself would lose the media with the next move: what lies at its own place is no link.
 void FsysDirectoryEntry::setLinkedFilename(Name const& name) {
+    MaterialFilename const own = materialFilename;
+    bool const isOwnPlace = name == getLinkFileName();
     change([&](CookieMedia& kept) {
         if (!kept.original) {
             return false;
         }
-        kept.original->setLink(name);
+        bool const isAtHome = isOwnPlace && kept.original->materialFilename == own;
+        kept.original->setLink(isAtHome ? Name() : name);
         return true;
     });
 }

@@ -67,8 +67,8 @@ public:
     [[nodiscard]] LightweightString<wchar_t> getLinkedFilename() const {
         return isLinked() ? physicalFilename : LightweightString<wchar_t>();
     }
-    /// Says where the original's media are: elsewhere, or with an empty name at the material's place. The disk isn't
-    /// touched, see `realiseLinks`. Without an original nothing happens.
+    /// Says where the original's media are: elsewhere, or at the material's place, if the name is empty or that very
+    /// place. The disk isn't touched, see `realiseLinks`. Without an original nothing happens.
     void setLinkedFilename(LightweightString<wchar_t> const& name);
     /// Asks the file manager for the size of the original's physical file; 0 if it isn't there.
     void updateFileSize();

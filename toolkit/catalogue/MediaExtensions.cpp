@@ -10,10 +10,15 @@ namespace {
 
 struct Extensions {
     std::vector<LightweightString<wchar_t>> all{
-        L"mov",  L"mxf", L"mp4",  L"wav", L"bwf",  L"w64",  L"rf64", L"aif",  L"aiff", L"avi",
-        L"mkv",  L"m4v", L"m4a",  L"mts", L"m2ts", L"ts",   L"mpg",  L"mpeg", L"ps",   L"webm",
-        L"dv",   L"3gp", L"mp3",  L"aac", L"ac3",  L"flac", L"ogg",  L"opus", L"png",  L"jpg",
-        L"jpeg", L"tif", L"tiff", L"dpx", L"exr",  L"bmp",  L"tga",  L"gif",  L"h264", L"synth"};
+        // Containers, and recordings that a camera cuts into several.
+        L"mov", L"mxf", L"mp4", L"m4v", L"mkv", L"webm", L"avi", L"mts", L"m2ts", L"ts", L"mpg", L"mpeg",
+        L"ps", L"dv", L"3gp", L"h264", L"r3d", L"synth",
+        // Sound.
+        L"wav", L"bwf", L"w64", L"rf64", L"aif", L"aiff", L"m4a", L"mp3", L"aac", L"ac3", L"flac", L"ogg",
+        L"opus",
+        // Pictures.
+        L"png", L"jpg", L"jpeg", L"tif", L"tiff", L"dpx", L"exr", L"bmp", L"tga", L"gif", L"cin", L"jp2",
+        L"j2k", L"sgi", L"pnm", L"ppm", L"pgm", L"webp", L"hdr", L"dng"};
 };
 
 wchar_t toLower(wchar_t c) {
