@@ -176,5 +176,6 @@ Name stripPath2(Name const& path) {
     for (wchar_t& character : text) {
         character = character == foreign ? local : character;
     }
-    return stripPath(Name(text));
+    // `npos` + 1 is the begin.
+    return Name(std::wstring_view(text).substr(text.rfind(local) + 1));
 }
