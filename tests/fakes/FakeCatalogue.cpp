@@ -168,8 +168,12 @@ void FakeCatalogue::setFacts(Cookie const& cookie, ClipFacts const& facts) {
 
 void FakeCatalogue::addEntry(Cookie const& cookie, MediaFileInfo const& original,
                              std::vector<MediaFileInfo> const& proxies) {
+    addEntry(Ox::makePtr<FsysDirectoryEntry>(cookie, original, proxies));
+}
+
+void FakeCatalogue::addEntry(Ox::Ptr<FsysDirectoryEntry> const& entry) {
     std::lock_guard const scope(lock_);
-    entries_[textOf(cookie)] = Ox::makePtr<FsysDirectoryEntry>(cookie, original, proxies);
+    entries_[textOf(entry->getCookie())] = entry;
 }
 
 Ox::Ptr<FsysDirectoryEntry> FakeCatalogue::findEntryForCookie(Cookie const& cookie) {
@@ -247,6 +251,9 @@ bool FakeCatalogue::writeHeader(Cookie const& cookie, SAV_HEADER const& written)
 }
 
 std::int32_t FakeCatalogue::getStartOffset(Cookie const& cookie) {
+    if (onStartOffset) {
+        onStartOffset(cookie);
+    }
     std::lock_guard const scope(lock_);
     auto const found = offsets_.find(textOf(cookie));
     return found == offsets_.end() ? 0 : found->second;

@@ -46,6 +46,8 @@ public:
 
     /// Run at the start of each look-up of a file; set before it is used.
     std::function<void()> onFind;
+    /// Run at the start of each look-up of a start offset; set before it is used.
+    std::function<void(Cookie const&)> onStartOffset;
 
     /// Says how many channels a clip has that can be opened.
     void setChannels(Cookie const& cookie, std::size_t videoChannels, std::size_t audioChannels);
@@ -73,6 +75,8 @@ public:
     /// Files the whole entry of a cookie.
     void addEntry(Cookie const& cookie, MediaFileInfo const& original,
                   std::vector<MediaFileInfo> const& proxies = {});
+    /// The same of an entry with a keeper of its own.
+    void addEntry(Ox::Ptr<FsysDirectoryEntry> const& entry);
 
     Ox::Ptr<FsysDirectoryEntry> findEntryForCookie(Cookie const& cookie) override;
     std::vector<Ox::Ptr<FsysDirectoryEntry>> getClipMediaFiles(Cookie const& clip) override;

@@ -54,9 +54,9 @@ Cookie videoOf(unsigned number) {
 }  // namespace
 
 std::vector<std::string> const& TransferWorld::scenarios() {
-    static std::vector<std::string> const all = {"single",        "proxy",        "chunked",       "sequence",
-                                                 "remote",        "shared",       "shared-remote", "external",
-                                                 "relocate-copy", "relocate-move"};
+    static std::vector<std::string> const all = {
+        "single",        "proxy",    "chunked",       "sequence",      "remote", "shared",
+        "shared-remote", "external", "relocate-copy", "relocate-move", "sound",  "relocate-move-sound"};
     return all;
 }
 
@@ -156,9 +156,15 @@ void TransferWorld::prepare() {
         writeMedia("remote/r.mov");
         writeMedia("remote/p.mov");
         addClip(1, videoOf(1), {linked("v1.mov", "far://r.mov"), {asProxy(linked("p1.mov", "far://p.mov"))}});
+    } else if (scenario_ == "sound" || scenario_ == "relocate-move-sound") {
+        writeMedia("elsewhere/a.wav");
+        addClip(1, makeCookie(1, 'S', 1), {linked("Sound/s1.wav", "elsewhere/a.wav"), {}});
+        if (isRelocation()) {
+            localise();
+        }
     } else {
-        for (char const* const name : {"deep/v1.mov", "deep/v1.sav", "p1.mov", "v2.mov", "v20.sav"}) {
-            writeMedia(std::string("m/") + name);
+        for (auto const& [name, contents] : relocated()) {
+            writeMedia("m/" + name);
         }
         addClip(1, videoOf(1), {own("deep/v1.mov"), {asProxy(own("p1.mov"))}});
         addClip(2, videoOf(2), {own("v2.mov"), {}});
@@ -174,26 +180,31 @@ void TransferWorld::run() {
             items.add(clip);
         }
         MaterialMove::relocate(
-            'N', items, scenario_ == "relocate-move" ? MaterialMove::moveFiles : MaterialMove::copyFiles,
+            'N', items, scenario_ == "relocate-copy" ? MaterialMove::copyFiles : MaterialMove::moveFiles,
             LoggerHandle(log));
         return;
     }
-    Ox::Ptr<BackgroundTaskBase> task;
-    if (scenario_ == "external") {
-        ExternalDownloadTask::Args args;
-        args.clips = clips;
-        args.mediaTypes = mediaAll;
-        args.settings.location = wide(folder_ + "out");
-        args.settings.proxyExt = wide("mp4");
-        task = Ox::makePtr<ExternalDownloadTask>(args);
-    } else {
-        LocaliseTask::Args args;
-        args.clips = clips;
-        args.mediaTypes = scenario_ == "proxy" ? mediaProxy : mediaOriginal;
-        args.clipSelection = LocaliseTask::selectLinked | LocaliseTask::selectDownloadable;
-        task = Ox::makePtr<LocaliseTask>(args);
+    if (scenario_ != "external") {
+        localise();
+        return;
     }
+    ExternalDownloadTask::Args args;
+    args.clips = clips;
+    args.mediaTypes = mediaAll;
+    args.settings.location = wide(folder_ + "out");
+    args.settings.proxyExt = wide("mp4");
+    auto const task = Ox::makePtr<ExternalDownloadTask>(args);
     task->setLog(log);
+    task->execute();
+}
+
+void TransferWorld::localise() {
+    LocaliseTask::Args args;
+    args.clips = {clipOf(1), clipOf(2)};
+    args.mediaTypes = scenario_ == "proxy" ? mediaProxy : mediaOriginal;
+    args.clipSelection = LocaliseTask::selectLinked | LocaliseTask::selectDownloadable;
+    auto const task = Ox::makePtr<LocaliseTask>(args);
+    task->setLog(Ox::makePtr<TranscriptLog>(calls_));
     task->execute();
 }
 
@@ -269,6 +280,20 @@ std::string TransferWorld::faultOfDisk() const {
     return faults;
 }
 
+TransferWorld::Files TransferWorld::relocated() const {
+    if (!isRelocation()) {
+        return {};
+    }
+    if (scenario_ == "relocate-move-sound") {
+        return {{"Sound/s1.wav", mediaFor("elsewhere/a.wav")}};
+    }
+    Files files;
+    for (char const* const name : {"deep/v1.mov", "deep/v1.sav", "p1.mov", "v2.mov", "v20.sav"}) {
+        files[name] = mediaFor(std::string("m/") + name);
+    }
+    return files;
+}
+
 /// What lies elsewhere and in the store is never touched. What is relocated is whole in one place or the other.
 std::string TransferWorld::faultOfSources() const {
     std::string faults;
@@ -279,15 +304,15 @@ std::string TransferWorld::faultOfSources() const {
             faults += path + " isn't what it was\n";
         }
     }
-    for (char const* const name : {"deep/v1.mov", "deep/v1.sav", "p1.mov", "v2.mov", "v20.sav"}) {
+    for (auto const& [name, contents] : relocated()) {
         auto const at = [&](std::string const& path) {
             auto const found = now.find(path);
-            return found != now.end() && found->second == mediaFor(std::string("m/") + name);
+            return found != now.end() && found->second == contents;
         };
-        if (isRelocation() && !at(std::string("m/") + name) && !at(std::string("n/") + name)) {
-            faults += std::string(name) + " is whole nowhere\n";
+        if (!at("m/" + name) && !at("n/" + name)) {
+            faults += name + " is whole nowhere\n";
         }
-        if (isRelocation() && std::string(name) == "v20.sav" && !at("m/v20.sav")) {
+        if (name == "v20.sav" && !at("m/" + name)) {
             faults += "another clip's file was taken\n";
         }
     }

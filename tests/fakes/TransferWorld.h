@@ -16,7 +16,8 @@ namespace test {
 /// and the transfers that go on between them. All of it lies below one folder, so that another process can go on where
 /// one was killed. What it makes of files tells of each whether it is whole.
 ///
-/// Scenarios: single, proxy, chunked, sequence, remote, shared, shared-remote, external, relocate-copy, relocate-move.
+/// Scenarios: single, proxy, chunked, sequence, remote, shared, shared-remote, external, relocate-copy, relocate-move,
+/// sound, relocate-move-sound. The sound that the last of these moves was localised before.
 ///
 /// Ownership  In force while it lives.
 /// Threads    One at a time.
@@ -74,6 +75,9 @@ private:
     void enterStore();
     void addClip(unsigned number, Cookie const& cookie, CookieMedia const& media, bool isMoving = true);
     void writeMedia(std::string const& path);
+    void localise();
+    /// What lies below the drive that is relocated from, with its contents; nothing in other scenarios.
+    [[nodiscard]] Files relocated() const;
     [[nodiscard]] MediaFileInfo linked(std::string const& path, std::string const& target) const;
     [[nodiscard]] MediaFileInfo own(std::string const& path) const;
     [[nodiscard]] bool isRelocation() const { return scenario_.rfind("relocate", 0) == 0; }

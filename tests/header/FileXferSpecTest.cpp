@@ -32,10 +32,13 @@ public:
         calls_->add(name_ + ".transfer " + std::to_string(spec->startSample) + " " +
                     std::to_string(spec->endSample) + " status " + std::to_string(spec->xferStatus));
         log.reportProgress({}, 1.0);
+        onTransfer();
         return result;
     }
 
     bool isAble = true;
+    /// Run at the end of each transfer.
+    std::function<void()> onTransfer = [] {};
     OxResult result = oxSuccess;
 
 private:
@@ -48,7 +51,6 @@ class Extract : public CacheFixture {
 protected:
     Extract() {
         DiskManager::instance().setDriveRoot('M', L"/m");
-        addReader("any");
         addClip("/m/v.mov", 'V', 1);
         addClip("/m/s.wav", 'S', 1);
         catalogue.addEdit(makeCookie(1, 'E', 255), nullptr);
@@ -73,6 +75,7 @@ protected:
     [[nodiscard]] std::vector<std::string> transfers() const { return calls->with(".transfer "); }
     [[nodiscard]] std::vector<std::string> filed() const { return calls->with("catalogue.addMaterial"); }
 
+    Ox::Ptr<ScriptedReader> const reader_ = addReader("any");
     Ox::Ptr<MemoryTaskLog> const log_ = Ox::makePtr<MemoryTaskLog>();
     LoggerHandle handle_{log_};
     ScriptedManager manager_{"A", calls};
@@ -129,6 +132,17 @@ TEST_F(Extract, CopiesNothingOfASectionThatBeginsBefore0) {
     EXPECT_THAT(filed(), IsEmpty());
 }
 
+TEST_F(Extract, AsksForTheStartOffsetFirstAlsoOfASectionOfWhichNothingIsCopied) {
+    catalogue.onStartOffset = [this](Cookie const& cookie) {
+        calls->add("offset of " + cookie.asString().str());
+    };
+    EXPECT_EQ(extract('V', -2.0, -1.0), 1U);
+    EXPECT_EQ(extract('S', 1.0, 1.0), 2059U);
+    EXPECT_THAT(calls->all(), ElementsAre("offset of " + makeCookie(1, 'V', 0).asString().str(),
+                                          "console get_extract: requested section before start\n",
+                                          "offset of " + makeCookie(1, 'S', 1).asString().str()));
+}
+
 TEST_F(Extract, RefusesAnEmptyOrReversedSection) {
     EXPECT_EQ(extract('V', 1.0, 1.0), 2059U);
     EXPECT_EQ(extract('V', 2.0, 1.0), 2059U);
@@ -171,6 +185,17 @@ TEST_F(Extract, TellsOfASourceThatCantBeOpened) {
     EXPECT_EQ(calls->with("PlayFile::extract").back(),
               "log PlayFile::extract(): Unable to open input material file\n");
     EXPECT_THAT(transfers(), IsEmpty());
+}
+
+TEST_F(Extract, HoldsTheSourceOnlyThroughTheCacheWhileItIsCopied) {
+    std::vector<unsigned> alive;
+    manager_.onTransfer = [&] {
+        alive.push_back(reader_->aliveCount());
+        PlayFileCache::Shared()->remove(L"/m/v.mov");
+        alive.push_back(reader_->aliveCount());
+    };
+    EXPECT_EQ(extract('V', 0.0, 1.0), 1U);
+    EXPECT_THAT(alive, ElementsAre(1U, 0U));
 }
 
 TEST_F(Extract, TakesTheFirstManagerThatCan) {

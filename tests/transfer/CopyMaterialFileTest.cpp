@@ -1,5 +1,6 @@
 #include "transfer/CopyMaterialFile.h"
 
+#include "tests/fakes/ForwardingFileManager.h"
 #include "tests/transfer/TransferFixture.h"
 #include "toolkit/catalogue/MaterialLink.h"
 #include "toolkit/services/ResourceText.h"
@@ -127,16 +128,26 @@ TEST_F(FailedCopies, SourceCatalogueAndCompanionsStay) {
     EXPECT_EQ(calls_->count("delete"), 0U);
 }
 
-TEST_F(FailedCopies, ThePiecesAreCountedOnAndEnded) {
+TEST_F(FailedCopies, AFailureDoesNotKeepTheProxyFromBeingCopied) {
+    write("m/v.mov", "1");
     write("m/p.mov", "22");
-    failWith(4);
-    catalogue_.addEntry(video(), own('M', "v.mov"), {asProxy(own('M', "p.mov"))});
-    calls_->clear();
     files_.onCopy = [](std::string const& source, auto const&) {
         return source == "m/v.mov" ? std::optional(iFileManager::copyFailed) : std::nullopt;
     };
-    copyMaterialFile(makeLogicalMediaFile(video(), 'N'), 'N', MaterialMove::copyFiles, LoggerHandle(log_));
+    relocate(own('M', "v.mov"), {asProxy(own('M', "p.mov"))});
     EXPECT_TRUE(folder_.holds("n/p.mov"));
+}
+
+/// By bytes: a file of 1 that fails, one of 2 that is there already, one of 1 that fails; then the end, once.
+TEST_F(FailedCopies, AFileThatFailsAndOneThatIsPassedOverAreCountedOnAndTheirPiecesEndedOnce) {
+    write("m/v.mov", "1");
+    write("m/p.mov", "22");
+    write("m/q.mov", "1");
+    write("n/p.mov", "there");
+    files_.onCopy = [](auto const&, auto const&) { return iFileManager::copyFailed; };
+    relocate(own('M', "v.mov"), {asProxy(own('M', "p.mov")), asProxy(own('M', "q.mov"))});
+    EXPECT_THAT(recorded({"copy"}), SizeIs(2));
+    EXPECT_THAT(log_->fractions, ElementsAre(0.25, 0.75, 1.0, 1.0));
 }
 
 // ---- Companions ----
@@ -313,6 +324,21 @@ TEST_F(CopyMaterialFileTest, TheLastComponentIsFoundBehindSeparatorsOfEitherSyst
     EXPECT_EQ(path, L"C:\\a/b\\c.mov");
     EXPECT_EQ(stripPath2(L"/x/y"), L"y");
     EXPECT_EQ(stripPath2({}), L"");
+}
+
+/// The files of a system whose paths have backslashes.
+class BackslashFiles : public ForwardingFileManager {
+public:
+    [[nodiscard]] wchar_t getPathSeparator() const override { return L'\\'; }
+};
+
+TEST_F(CopyMaterialFileTest, WhereTheSeparatorIsABackslashTheOtherOneIsForeign) {
+    BackslashFiles const files;
+    LightweightString<wchar_t> const path(L"/a\\b/c.mov");
+    EXPECT_EQ(stripPath2(path), L"c.mov");
+    EXPECT_EQ(path, L"/a\\b/c.mov");
+    EXPECT_EQ(stripPath2(L"C:\\a\\c.mov"), L"c.mov");
+    EXPECT_EQ(stripPath2(L"c.mov"), L"c.mov");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "transfer/DownloadTask.h"
 
 #include "tests/transfer/TransferFixture.h"
+#include "toolkit/services/Paths.h"
 
 namespace test {
 namespace {
@@ -310,6 +311,86 @@ TEST_F(DownloadTaskTest, AnAbortEndsTheCopyAtItsNextReport) {
     task->abort();
     EXPECT_EQ(NotingTask::copyProgress(task.get(), 1, 2), 0);
     EXPECT_EQ(task->currentFileBytes, 1U);
+}
+
+// ---- With real copies ----
+
+/// Copies each source to the folder "out", under its own name.
+class SavingTask : public DownloadTask {
+public:
+    SavingTask() : DownloadTask(Args{{}, mediaOriginal, importanceUsual, {}}) {}
+
+    using DownloadTask::completedBytes;
+    using DownloadTask::currentFileBytes;
+    using DownloadTask::totalBytes;
+
+    Name folder;
+    /// Run behind each job.
+    std::function<void()> onSaved = [] {};
+
+private:
+    int run() override { return download({}); }
+    eCopyRC save(CopyJob const& job) override {
+        eCopyRC const code = DownloadTask::save(job, folder + stripPath(job.filename));
+        onSaved();
+        return code;
+    }
+};
+
+class SavingJobs : public DownloadTaskTest {
+protected:
+    SavingJobs() {
+        task_->setLog(log_);
+        task_->folder = full("out/");
+    }
+
+    /// A clip that is linked to a file elsewhere.
+    void addLinkedClip(unsigned number, std::string const& name, std::string const& contents) {
+        write("elsewhere/" + name, contents);
+        catalogue_.addEntry(video(number), linked('M', name, "elsewhere/" + name));
+    }
+
+    Ox::Ptr<SavingTask> const task_ = Ox::makePtr<SavingTask>();
+};
+
+/// Deliberate: nobody looks between two jobs whether the task is to stop.
+TEST_F(SavingJobs, AnAbortBetweenTwoJobsStopsTheNextAtItsFirstReport) {
+    addLinkedClip(1, "a.mov", "12345");
+    addLinkedClip(2, "b.mov", "1234567");
+    task_->onSaved = [this] {
+        task_->abort();
+        log_->fractions.clear();
+        task_->onSaved = [] {};
+    };
+    EXPECT_EQ(task_->download({video(1), video(2)}), DownloadTask::resultStopped);
+    EXPECT_THAT(transcript(),
+                ElementsAre("log 0 ", "copy elsewhere/a.mov out/a.mov.partial 1 told",
+                            "rename out/a.mov.partial out/a.mov 1", "log 0 ",
+                            "copy elsewhere/b.mov out/b.mov.partial 1 told", "delete out/b.mov.partial"));
+    EXPECT_THAT(log_->fractions, SizeIs(1));
+}
+
+/// Deliberate: the parts are counted as they arrive, and the job's own file, the first part, at its end.
+TEST_F(SavingJobs, TheFirstPartOfAChunkedFileCountsTwice) {
+    addLinkedClip(1, "A_001.R3D", "1234");
+    write("elsewhere/A_002.R3D", "12");
+    EXPECT_EQ(task_->download({video(1)}), DownloadTask::resultComplete);
+    EXPECT_EQ(task_->totalBytes, 6U);
+    EXPECT_EQ(task_->completedBytes, 10U);
+    EXPECT_EQ(task_->currentFileBytes, 2U);
+    EXPECT_FLOAT_EQ(task_->getProgress(), 2.0F);
+}
+
+/// Deliberate: until the next file begins, the bytes of the last one count twice.
+TEST_F(SavingJobs, TheBytesOfAFileStayUntilTheNextOneBegins) {
+    addLinkedClip(1, "a.mov", "12345");
+    addLinkedClip(2, "b.mov", "123");
+    std::vector<std::uint64_t> between;
+    task_->onSaved = [&] { between.push_back(task_->currentFileBytes); };
+    EXPECT_EQ(task_->download({video(1), video(2)}), DownloadTask::resultComplete);
+    EXPECT_THAT(between, ElementsAre(5U, 3U));
+    EXPECT_THAT(log_->fractions, ElementsAre(testing::DoubleNear(5.0 / 8, 1e-6), 1.0));
+    EXPECT_FLOAT_EQ(task_->getProgress(), 11.0F / 8.0F);
 }
 
 TEST_F(DownloadTaskTest, KnowsItsTitleAndImportanceAndHasNoId) {

@@ -231,6 +231,16 @@ TEST_F(ExternalDownloadTaskTest, AFailureHasNoClosingLineAndEarlierFilesStay) {
     EXPECT_THAT(results(), ElementsAre("One.mov"));
 }
 
+TEST_F(ExternalDownloadTaskTest, AfterARenameThatFailedTheNextJobIsDone) {
+    addRemoteClip(1, "One");
+    addRemoteClip(2, "Two");
+    std::filesystem::create_directories(folder_.path() / "out/One.mov");
+    EXPECT_EQ(run({clip(1), clip(2)}, mediaOriginal, Settings::namedByClip), 1);
+    EXPECT_THAT(results(), ElementsAre("One.mov", "One.mov.partial", "Two.mov"));
+    EXPECT_EQ(folder_.read("out/One.mov.partial"), "original");
+    EXPECT_THAT(recorded({"log 4"}), testing::SizeIs(1));
+}
+
 TEST_F(ExternalDownloadTaskTest, AStopHasNoClosingLine) {
     addRemoteClip(1, "One");
     files_.onCopy = [](auto const&, auto const&) { return iFileManager::copyStopped; };

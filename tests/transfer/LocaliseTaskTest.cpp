@@ -1,6 +1,7 @@
 #include "transfer/LocaliseTask.h"
 
 #include "files/PlayFileCache.h"
+#include "tests/fakes/ScriptedReader.h"
 #include "tests/transfer/TransferFixture.h"
 #include "toolkit/catalogue/MaterialLink.h"
 #include "toolkit/services/NumberText.h"
@@ -11,6 +12,7 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::IsEmpty;
 
 using Name = LightweightString<wchar_t>;
@@ -124,13 +126,97 @@ TEST_F(LocaliseTaskTest, TheSecondClipOfARemoteFileIsLinkedToTheCopyOfTheFirst) 
     EXPECT_EQ(entry(video(2))->getLinkedFilename(), full("m/" + importPath(1, ".mov")));
 }
 
-TEST_F(LocaliseTaskTest, AFileIsForgottenByTheCacheOfOpenFilesOnceItIsHere) {
-    addLinkedClip(1);
+/// Keeps the media of one cookie and notes what they are after each change. Media without a place get one, as from
+/// somebody else at that moment, so that a link to them can be written.
+class NotingKeeper : public iMediaKeeper {
+public:
+    explicit NotingKeeper(std::shared_ptr<CallLog> calls) : calls_(std::move(calls)) {}
+
+    bool change(Cookie const&, Change const& change, CookieMedia& now) override {
+        static_cast<void>(change(media_));
+        MediaFileInfo& original = media_.original.value();
+        calls_->add("kept \"" + narrow(original.materialFilename.getPath()) + "\" of " +
+                    std::to_string(original.size) + (original.physicalFilename.empty() ? "" : ", linked"));
+        if (original.materialFilename.getPath().empty()) {
+            original.setMaterialFilename(MaterialFilename('M', L"late.mov"));
+        }
+        now = media_;
+        return true;
+    }
+
+private:
+    std::shared_ptr<CallLog> const calls_;
+    CookieMedia media_;
+};
+
+TEST_F(LocaliseTaskTest, ARemoteFileThatComesAgainIsFiledAsNothingThenLinkedThenItsLinkIsWritten) {
+    addRemoteClip(1, "r.mov");
+    addRemoteClip(2, "r.mov");
+    catalogue_.addEntry(Ox::makePtr<FsysDirectoryEntry>(video(2), CookieMedia{MediaFileInfo(), {}},
+                                                        Ox::makePtr<NotingKeeper>(calls_)));
+    EXPECT_EQ(run({clip(1), clip(2)}, mediaOriginal), 1);
+    std::string const copy = "m/" + importPath(1, ".mov");
+    EXPECT_THAT(recorded({"kept", "rename"}),
+                ElementsAre("rename " + copy + ".partial " + copy + " 1", "kept \"\" of 0",
+                            "kept \"late.mov\" of 0, linked", EndsWith(" m/late.mov 0")));
+    EXPECT_EQ(MaterialLink::readLink(full("m/late.mov")), full(copy));
+}
+
+// ---- Files that are open ----
+
+/// With a reader of every file; what it has opened is held only by the cache.
+class OpenSources : public OpenTask {
+protected:
+    OpenSources() {
+        Ox::FileReaderInfo::add(reader_, 0);
+        addLinkedClip(1);
+        for (OpenType const type : {OpenType::video, OpenType::audio}) {
+            open("elsewhere/a.mov", type);
+        }
+        open(write("elsewhere/other.mov", "media"), OpenType::video);
+    }
+    ~OpenSources() override {
+        PlayFileCache::Shared()->closeAll();
+        Ox::FileReaderInfo::remove(reader_);
+    }
+    void open(std::string const& path, OpenType type) { open(full(path), type); }
+    static void open(Name const& path, OpenType type) {
+        EXPECT_TRUE(PlayFileCache::Shared()->open(path, Cookie(), DecodeFormat(), type, 0));
+    }
+
+    Ox::Ptr<ScriptedReader> const reader_ = Ox::makePtr<ScriptedReader>("any", calls_);
+};
+
+TEST_F(OpenSources, ASourceThatIsHereNowIsForgottenAndNoOtherFileIs) {
+    ASSERT_EQ(reader_->aliveCount(), 3U);
     EXPECT_EQ(run({clip(1)}, mediaOriginal), 1);
-    EXPECT_EQ(console_.count("v1.mov"), 0U);
+    EXPECT_EQ(reader_->aliveCount(), 1U);
+    open("elsewhere/other.mov", OpenType::video);
+    EXPECT_EQ(reader_->openCount(), 3U);
+}
+
+TEST_F(OpenSources, ASourceWhoseCopyFailedStaysOpen) {
+    files_.onCopy = [](auto const&, auto const&) { return iFileManager::copyFailed; };
+    EXPECT_EQ(run({clip(1)}, mediaOriginal), 0);
+    EXPECT_EQ(reader_->aliveCount(), 3U);
+    open("elsewhere/a.mov", OpenType::video);
+    EXPECT_EQ(reader_->openCount(), 3U);
 }
 
 // ---- Sound ----
+
+/// A link to itself would lose the media with the next move.
+TEST_F(LocaliseTaskTest, TheOnlySoundOfAClipIsNoLinkButAtItsOwnPlace) {
+    addClip(1, "Clip");
+    write("elsewhere/a.wav", "sound");
+    catalogue_.addEntry(sound(1), linked('M', "Sound/s1.wav", "elsewhere/a.wav"));
+    EXPECT_EQ(run({clip(1)}, mediaOriginal), 1);
+    EXPECT_FALSE(entry(sound(1))->isLinked());
+    EXPECT_EQ(entry(sound(1))->getPhysicalFilename(), full("m/Sound/s1.wav"));
+    EXPECT_EQ(entry(sound(1))->size, 5U);
+    EXPECT_EQ(folder_.read("m/Sound/s1.wav"), "sound");
+    EXPECT_THAT(console_.log(), IsEmpty());
+}
 
 TEST_F(LocaliseTaskTest, SoundThatIsLinkedToTheSourceIsLinkedToItsCopy) {
     addClip(1, "Clip");
@@ -243,6 +329,18 @@ TEST_F(FailingLocalise, FinishedClipsStayHereAndThoseNotReachedStayAsTheyWere) {
     EXPECT_EQ(calls_->count("edit.modification"), 3U);
 }
 
+TEST_F(FailingLocalise, EveryClipIsToldAlsoAfterAFailure) {
+    addLinkedClip(1, "elsewhere/a.mov");
+    addLinkedClip(2, "elsewhere/b.mov");
+    addLinkedClip(3, "elsewhere/c.mov");
+    failFrom("elsewhere/b.mov", iFileManager::copyFailed);
+    EXPECT_EQ(run({clip(1), clip(2), clip(3)}, mediaOriginal), 0);
+    auto const told = [](unsigned number) {
+        return "edit.modification " + clip(number).asString().str() + " 22 1";
+    };
+    EXPECT_THAT(recorded({"edit.modification"}), ElementsAre(told(1), told(2), told(3)));
+}
+
 TEST_F(FailingLocalise, AJobWhoseEntryHasGoneEndsInSilence) {
     addLinkedClip(1);
     files_.onCopy = [this](auto const&, auto const&) -> std::optional<iFileManager::eCopyRC> {
@@ -292,9 +390,27 @@ TEST_F(SpaceOfDrives, EachDriveIsTestedAgainstTheBytesOfAllJobs) {
     EXPECT_EQ(calls_->count("log 4"), 1U);
 }
 
-TEST_F(SpaceOfDrives, WithoutJobsAndForADriveThatIsNotThereItIsEnough) {
+TEST_F(SpaceOfDrives, WithoutJobsItIsEnough) {
     files_.freeBytes = 0;
     EXPECT_EQ(run({}, mediaOriginal), 1);
+}
+
+/// What fails is the copy, which has nowhere to go.
+TEST_F(SpaceOfDrives, ADriveThatIsNotThereIsNoReasonToRefuse) {
+    addLinkedClip(1);
+    catalogue_.addEntry(video(1), linked('Q', "v1.mov", "elsewhere/a.mov"));
+    files_.freeBytes = 0;
+    EXPECT_EQ(run({clip(1)}, mediaOriginal), 0);
+    EXPECT_THAT(transcript(), ElementsAre("log 0 Clip 1"));
+}
+
+TEST_F(SpaceOfDrives, BehindADriveThatIsNotThereTheOthersAreTestedAllTheSame) {
+    addLinkedClip(1, "elsewhere/a.mov");
+    addLinkedClip(2, "elsewhere/b.mov");
+    catalogue_.addEntry(video(1), linked('A', "v1.mov", "elsewhere/a.mov"));
+    files_.freeBytes = 9;
+    EXPECT_EQ(run({clip(1), clip(2)}, mediaOriginal), 2);
+    EXPECT_EQ(calls_->count("log 4"), 1U);
 }
 
 }  // namespace

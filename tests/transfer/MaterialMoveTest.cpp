@@ -169,6 +169,24 @@ TEST_F(MaterialMoveTest, ADrivesListHoldsTheFilesOfItsShotsThatLieOnOtherDrives)
     EXPECT_EQ(narrow(files[0].files[0].materialFilename.getPath()), "p.mov");
 }
 
+TEST_F(MaterialMoveTest, TheWholeOfACopyOfADrivesList) {
+    write("n/p1.mov", "proxy");
+    write("n/p2.mov", "proxy");
+    addClipWithFile(1, 'M', {asProxy(own('N', "p1.mov"))});
+    addClipWithFile(2, 'M', {asProxy(own('N', "p2.mov"))});
+    addClipWithFile(3, 'N', {asProxy(own('M', "q.mov"))});
+    std::filesystem::create_directories(folder_.path() / "o");
+    DiskManager::instance().setDriveRoot('O', folder_.name("o"));
+    MaterialMove::relocate('O', DriveId('M'), MaterialMove::copyFiles, LoggerHandle(log_));
+    DiskManager::instance().removeDrive('O');
+    EXPECT_THAT(recorded({"log ", "copy"}),
+                ElementsAre("log 5 Building file list", "log 0  ", "log 0 2 file(s) to process", "log 0  ",
+                            "copy n/p1.mov o/p1.mov 1 told", "copy n/p2.mov o/p2.mov 1 told",
+                            "log 5 " + textOf(11566)));
+    EXPECT_EQ(folder_.read("o/p2.mov"), "proxy");
+    EXPECT_TRUE(folder_.holds("n/p2.mov"));
+}
+
 /// Deliberate: '0' is no drive here, and a drive like any other where items are relocated.
 TEST_F(MaterialMoveTest, AShotWithoutADriveIsOnNoDriveNotEvenOnNone) {
     addClip(1, "Clip");

@@ -11,6 +11,7 @@
 #include "tests/fakes/TranscriptLog.h"
 #include "toolkit/catalogue/DiskManager.h"
 #include "toolkit/catalogue/MaterialLink.h"
+#include "transfer/LocaliseTask.h"
 #include "transfer/MaterialMove.h"
 
 #include <gmock/gmock.h>
@@ -76,9 +77,35 @@ protected:
         MemoryEditStore::instance().setChannels(makeCookie(number, 'E', Cookie::wholeClip), 1, 0);
         clips_.add(makeCookie(number, 'E', Cookie::wholeClip));
     }
+    /// A clip whose channels of sound are links on M to one file that lies elsewhere.
+    void addLinkedSound(std::uint32_t channels) {
+        write(place('X', "a.wav"), "the sound");
+        for (std::uint32_t channel = 1; channel <= channels; ++channel) {
+            catalogue().addFile(sound(channel), MediaFileInfo(MaterialFilename('M', wide(soundPath(channel))),
+                                                              wide(place('X', "a.wav")), 9));
+        }
+        MemoryEditStore::instance().setChannels(makeCookie(1, 'E', Cookie::wholeClip), 0, channels);
+        clips_.add(makeCookie(1, 'E', Cookie::wholeClip));
+    }
+    static Cookie sound(std::uint32_t channel) {
+        return makeCookie(1, 'S', static_cast<unsigned char>(channel));
+    }
+    static std::string soundPath(std::uint32_t channel) {
+        return narrow(MediaDrive::getFolder(sound(channel))) + "s" + std::to_string(channel) + ".wav";
+    }
     static MemoryCatalogue& catalogue() { return MemoryCatalogue::instance(); }
     void relocate(MaterialMove::eType type) {
         MaterialMove::relocate('N', clips_, type, LoggerHandle(Ox::makePtr<TranscriptLog>(calls_)));
+    }
+    int localise() {
+        LocaliseTask::Args args;
+        args.clips = {clips_.begin(), clips_.end()};
+        args.mediaTypes = mediaOriginal;
+        args.clipSelection = LocaliseTask::selectLinked;
+        auto const task = Ox::makePtr<LocaliseTask>(args);
+        task->setLog(Ox::makePtr<TranscriptLog>(calls_));
+        task->execute();
+        return task->getResult();
     }
     void addAll() {
         for (unsigned number = 0; number < stems().size(); ++number) {
@@ -144,6 +171,31 @@ TEST_F(RealRelocation, AMovedLinkStillPlays) {
     EXPECT_EQ(entry->materialFilename.getDrive(), DriveId('N'));
     EXPECT_EQ(read(narrow(entry->getPhysicalFilename())), "their copy");
     EXPECT_FALSE(fs::exists(place('M', "link.mov")));
+}
+
+TEST_F(RealRelocation, SoundThatWasLocalisedIsWholeOnTheDriveThatItIsMovedTo) {
+    addLinkedSound(1);
+    ASSERT_EQ(localise(), DownloadTask::resultComplete);
+    ASSERT_EQ(read(place('M', soundPath(1))), "the sound");
+    relocate(MaterialMove::moveFiles);
+    EXPECT_EQ(read(place('N', soundPath(1))), "the sound");
+    EXPECT_FALSE(fs::exists(place('M', soundPath(1))));
+    auto const entry = catalogue().findEntryForCookie(sound(1));
+    EXPECT_EQ(narrow(entry->getPhysicalFilename()), place('N', soundPath(1)));
+    EXPECT_TRUE(calls_->with("log 4").empty());
+}
+
+/// The second channel is a link to the first one's file, and both move.
+TEST_F(RealRelocation, ChannelsThatShareTheirSoundStillPlayWhereTheyAreMovedTo) {
+    addLinkedSound(2);
+    ASSERT_EQ(localise(), DownloadTask::resultComplete);
+    relocate(MaterialMove::moveFiles);
+    for (std::uint32_t const channel : {1U, 2U}) {
+        auto const entry = catalogue().findEntryForCookie(sound(channel));
+        EXPECT_EQ(entry->materialFilename.getDrive(), DriveId('N'));
+        EXPECT_EQ(read(narrow(entry->getPhysicalFilename())), "the sound") << channel;
+    }
+    EXPECT_TRUE(fs::is_empty(fs::path(place('M', soundPath(1))).parent_path()));
 }
 
 }  // namespace

@@ -85,6 +85,15 @@ TEST_F(StartingTransfersTest, LocalisingHasTheTitleThatItIsGivenOrTheUsualOneWit
     EXPECT_EQ(shelf_.tasks[1]->getDescription(), L"Localising");
 }
 
+TEST_F(StartingTransfersTest, LocalisingIsAsImportantAsItIsSaidToBe) {
+    std::vector<iBackgroundTask::eImportance> const all = {
+        iBackgroundTask::importanceHigh, iBackgroundTask::importanceLow, iBackgroundTask::importanceUsual};
+    for (auto const importance : all) {
+        MaterialManager::localiseMedia({}, 'M', true, true, importance, L"Mine");
+        EXPECT_EQ(shelf_.tasks.back()->getImportance(), importance);
+    }
+}
+
 TEST_F(StartingTransfersTest, LocalisingRemoteMediaIsCalledAfterItsClips) {
     addClip(1, "Shot");
     setResourceText(12989, L"Localising");
