@@ -43,8 +43,6 @@ public:
     [[nodiscard]] Aud::StreamBuffer getResult(AudioRequest& request, unsigned int bytesPerSample);
 
 protected:
-    ~AudioChannelCache() = default;
-
     CriticalSection lock_{eLockRank::audioReader, "AudioChannelCache"};
 
 private:

@@ -55,8 +55,8 @@ public:
     /// format. A reader calls it while it opens the file.
     ///
     /// @param codecConfig  the decoder's part of the container's header; may be empty
-    /// @return 5 with a decoder; 1 if no decoder knows the stream, which is then read as uncompressed;
-    ///         else what the last decoder that was tried said, 0 if none could be tried
+    /// @return 5 with a decoder; 1 if no decoder knows the stream or could be tried, and it is read as uncompressed;
+    ///         else what the last decoder that was tried said
     virtual OxResult initAudioCodec(unsigned int stream, Ptr<iMemHolder> codecConfig);
 
     /// The whole read of a file whose `readsByVideoSamples` says true; here: 12.

@@ -94,10 +94,7 @@ OxResult AudioReader::initAudioCodec(unsigned int stream, Ptr<iMemHolder> codecC
     }
     std::vector<Ptr<AudioDecoderInfo>> const decoders =
         AudioDecoderInfo::getDecodersFor(streams[stream], codecConfig);
-    if (decoders.empty()) {
-        return oxSuccess;
-    }
-    OxResult result = oxFailure;
+    OxResult result = oxSuccess;
     for (Ptr<AudioDecoderInfo> const& decoder : decoders) {
         Ptr<AudioCodecInstance> const instance = decoder->makeInstance(streams[stream], codecConfig);
         if (!instance) {

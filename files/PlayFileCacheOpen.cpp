@@ -8,6 +8,7 @@
 #include "files/PlayFileCache.h"
 #include "files/PlayUtil.h"
 #include "ole/os/OS.h"
+#include "ole/os/Shutdown.h"
 #include "playfile/Counters.h"
 #include "playfile/Settings.h"
 #include "playfile/Trace.h"
@@ -17,6 +18,11 @@
 
 PlayFileCache* PlayFileCache::Shared() {
     static PlayFileCache cache(readCacheSizeMin(), readCacheSizeMax(), eLockRank::sharedCache);
+    // At process exit whoever still opens files is stopped before the cache is destroyed.
+    [[maybe_unused]] static bool const isShutdownArranged = [] {
+        Shutdown::runBeforeEarlierStatics();
+        return true;
+    }();
     return &cache;
 }
 

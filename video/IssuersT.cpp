@@ -9,12 +9,15 @@ IssuersT::IssuersT(Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer, std::uint64_
     }
 }
 
+/// A party that is told may add others, or tell all of them itself.
 void IssuersT::doCallbacks(Ox::Ptr<iObject>& result, RequestStatus status) {
     ScopedLock const scope(lock_);
-    for (Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer : issuers_) {
+    for (auto next = issuers_.begin(); next != issuers_.end();) {
+        Ox::Ptr<ReadRequestIssuer::Proxy> const issuer = *next;
         TraceSlice slice("issuers", "callback", requestNumber_);
         slice.with("status", status);
         issuer->notify(result, status);
+        next = issuers_.upper_bound(issuer);
     }
     issuers_.clear();
 }

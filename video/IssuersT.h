@@ -18,7 +18,7 @@ public:
     /// Null is ignored.
     ///
     /// @param requestNumber  what the trace calls the read; 0 if it isn't traced
-    explicit IssuersT(Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer, std::uint64_t requestNumber = 0);
+    explicit IssuersT(Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer = {}, std::uint64_t requestNumber = 0);
     IssuersT(IssuersT const&) = delete;
     IssuersT& operator=(IssuersT const&) = delete;
 

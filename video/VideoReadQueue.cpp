@@ -64,9 +64,11 @@ VideoReadQueue::~VideoReadQueue() {
     queue.decRef();
 }
 
-/// The worker is woken when the lock has been left: woken under it, it would go back to sleep at once.
+/// The worker is woken when the lock has been left: woken under it, it would go back to sleep at once. The queue may
+/// be ending just then, and this be its worker whose read has led to the next request: then nobody may count on the
+/// queue any more, but its event stays as long as it is held.
 unsigned int VideoReadQueue::queueReadRequest(Ptr<VideoReadRequest>& request) {
-    ExternalPtr<DecouplingQueue<VideoReadRequest>> woken;
+    ThreadEventPtr wakeEvent;
     {
         ScopedLock const scope(lock());
         if (!queue) {
@@ -81,39 +83,35 @@ unsigned int VideoReadQueue::queueReadRequest(Ptr<VideoReadRequest>& request) {
             PlayFileCounters::add(playFileCounters().requestsQueued);
             trace(TraceEvent::requestStep, "queued", *request);
             queue->enqueue(request);
-            woken = queue;
+            wakeEvent = queue->wakeEvent();
         }
         limitUsage();
     }
-    if (woken) {
-        woken->signal();
+    if (wakeEvent) {
+        wakeEvent->set();
     }
     return 1;
 }
 
-/// In a streamed file a read yields its own frame only.
+/// In a streamed file a read yields its own frame only. What others yield is asked at each look: a reader learns more
+/// of a file while it reads.
 Ptr<VideoReadRequest> VideoReadQueue::findMatchingRequest(Ptr<VideoReadRequest>& request) const {
     std::uint32_t const frame = request->frame;
     bool const isStreaming = request->file->metadata->readStreaming();
-    auto const isAlike = [&](VideoReadRequest const& candidate) {
-        return candidate.resultType == request->resultType && candidate.getWidth() >= request->getWidth();
+    auto const yieldsIt = [&](Ptr<VideoReadRequest> const& candidate) {
+        bool const hasFrame = isStreaming ? candidate->frame == frame : framesOf(*candidate).contains(frame);
+        return hasFrame && candidate->resultType == request->resultType &&
+               candidate->getWidth() >= request->getWidth();
     };
     if (queue) {
-        for (Ptr<VideoReadRequest> const& pending : queue->requests()) {
-            bool const isYielded = isStreaming ? pending->frame == frame : framesOf(*pending).contains(frame);
-            if (isYielded && isAlike(*pending)) {
-                return pending;
-            }
+        auto const& pending = queue->requests();
+        auto const waiting = std::find_if(pending.begin(), pending.end(), yieldsIt);
+        if (waiting != pending.end()) {
+            return *waiting;
         }
     }
-    for (TakenUp const& taken : active_) {
-        bool const isYielded =
-            isStreaming ? taken.request->frame == frame : FrameRange{taken.low, taken.high}.contains(frame);
-        if (isYielded && isAlike(*taken.request)) {
-            return taken.request;
-        }
-    }
-    return {};
+    auto const taken = std::find_if(active_.begin(), active_.end(), yieldsIt);
+    return taken == active_.end() ? Ptr<VideoReadRequest>() : *taken;
 }
 
 void VideoReadQueue::reuseRequest(Ptr<VideoReadRequest>& existing, Ptr<VideoReadRequest>& request) {
@@ -138,10 +136,9 @@ void VideoReadQueue::despatch(Ptr<VideoReadRequest>& request) {
         return;
     }
     request->setRequestStatus(requestTakenUp);
-    FrameRange const frames = framesOf(*request);
     {
         ScopedLock const scope(lock());
-        active_.push_back({request, frames.low, frames.high});
+        active_.push_back(request);
     }
     request->file->readVideo(request);
 }
@@ -156,13 +153,13 @@ void VideoReadQueue::purge() {
 void VideoReadQueue::limitUsage() {
     std::vector<Ptr<VideoReadRequest>> unused;
     ScopedLock const scope(lock());
-    auto const isUnused = [](TakenUp const& taken) {
-        return taken.request.useCount() == 1 && isFinished(taken.request->getRequestStatus());
+    auto const isUnused = [](Ptr<VideoReadRequest> const& taken) {
+        return taken.useCount() == 1 && isFinished(taken->getRequestStatus());
     };
     auto kept = std::find_if(active_.begin(), active_.end(), isUnused);
     for (auto taken = kept; taken != active_.end(); ++taken) {
         if (isUnused(*taken)) {
-            unused.push_back(std::move(taken->request));
+            unused.push_back(std::move(*taken));
         } else {
             *kept++ = std::move(*taken);
         }
@@ -173,16 +170,14 @@ void VideoReadQueue::limitUsage() {
 /// As long as the counts say so, nobody else holds the file or one of its requests, so nobody can make the counts
 /// rise. What goes is released outside the lock, and with the file the queue goes back into its pool.
 void VideoReadQueue::releaseForgottenFile() {
-    std::vector<TakenUp> forgotten;
+    std::vector<Ptr<VideoReadRequest>> forgotten;
     ScopedLock const scope(lock());
     if (active_.empty() || !queue || !queue->requests().empty()) {
         return;
     }
-    Ptr<FileReadInstance> const& file = active_.front().request->file;
-    auto const holdsTheFileAlone = [&file](TakenUp const& taken) {
-        VideoReadRequest const& request = *taken.request;
-        return request.file == file && taken.request.useCount() == 1 &&
-               isFinished(request.getRequestStatus());
+    Ptr<FileReadInstance> const& file = active_.front()->file;
+    auto const holdsTheFileAlone = [&file](Ptr<VideoReadRequest> const& taken) {
+        return taken->file == file && taken.useCount() == 1 && isFinished(taken->getRequestStatus());
     };
     if (file.useCount() == active_.size() && std::all_of(active_.begin(), active_.end(), holdsTheFileAlone)) {
         forgotten.swap(active_);

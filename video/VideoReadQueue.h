@@ -64,20 +64,12 @@ public:
     [[nodiscard]] bool isThisThreadTheWorker() const;
 
 private:
-    /// A request that was taken up, and the first and the last frame that it yields if the file isn't
-    /// read streaming. They stand beside the pointer so that looking through many costs little.
-    struct TakenUp {
-        Ptr<VideoReadRequest> request;
-        std::uint32_t low;
-        std::uint32_t high;
-    };
-
     [[nodiscard]] CriticalSection& lock() { return lock_->section; }
 
     /// The queue's own lock, which outlives the queue.
     Ptr<DecouplingQueue<VideoReadRequest>::SharedLock> lock_;
-    /// Finished ones included, oldest first. Guarded by the lock.
-    std::vector<TakenUp> active_;
+    /// What was taken up, finished ones included, oldest first. Guarded by the lock.
+    std::vector<Ptr<VideoReadRequest>> active_;
 };
 
 }  // namespace Ox

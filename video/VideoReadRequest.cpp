@@ -30,20 +30,20 @@ VideoReadRequest::VideoReadRequest(Ox::Ptr<FileReadInstance>& requestedFile,
 }
 
 void VideoReadRequest::requestHasCompleted(RequestStatus status) {
-    bool const hasEndedBefore = hasEnded(getRequestStatus());
-    if (status == requestComplete && !resultBuffer_) {
-        status = requestFailed;
-    }
-    if (status == requestComplete && getRequestStatus() != requestComplete &&
-        claimDecompression(*resultBuffer_)) {
-        status = decompressResult();
+    RequestStatus const before = getRequestStatus();
+    if (status == requestComplete && before != requestComplete) {
+        if (!resultBuffer_) {
+            status = requestFailed;
+        } else if (claimDecompression(*resultBuffer_)) {
+            status = decompressResult();
+        }
     }
     if (!issuers.empty()) {
         Ox::Ptr<iObject> result(resultBuffer_);
         issuers.doCallbacks(result, status);
     }
     setRequestStatus(status);
-    if (!hasEndedBefore) {
+    if (!hasEnded(before)) {
         PlayFileTrace::step(TraceEvent::requestEnds, traceCategory, traceName, number, {"status", status});
     }
 }

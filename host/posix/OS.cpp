@@ -7,6 +7,19 @@
 namespace {
 
 constinit std::atomic<iOS*> installedOS{nullptr};
+/// What was in force before the memory of an installed system; null where that brought none of its own.
+constinit std::atomic<iMemoryService*> memoryBefore{nullptr};
+
+/// The library takes its memory from the system in force.
+void takeMemoryOf(iOS* os) {
+    if (iMemoryService* const before = memoryBefore.exchange(nullptr)) {
+        installMemoryService(before);
+    }
+    iMemoryService* const memory = os ? &os->getMemory() : nullptr;
+    if (memory && memory != &memoryService()) {
+        memoryBefore = installMemoryService(memory);
+    }
+}
 
 }  // namespace
 
@@ -17,5 +30,6 @@ iOS* OS() noexcept {
 
 iOS* installOS(iOS* os) noexcept {
     iOS* const before = installedOS.exchange(os);
+    takeMemoryOf(os);
     return before ? before : &posixOS();
 }

@@ -106,6 +106,8 @@ public:
 
     [[nodiscard]] CriticalSection& lock() { return lock_->section; }
     [[nodiscard]] Ox::Ptr<SharedLock> const& sharedLock() const { return lock_; }
+    /// What wakes a worker. It may be set when the queue has gone.
+    [[nodiscard]] ThreadEventPtr const& wakeEvent() const { return wakeEvent_; }
 
     /// What is waiting, oldest first. Requires `lock`.
     [[nodiscard]] RequestList const& requests() const { return requests_; }

@@ -28,6 +28,6 @@ protected:
 /// The one in force: the POSIX host unless another one is installed.
 [[nodiscard]] iOS* OS() noexcept;
 
-/// Puts `os` in force, null for the POSIX host, and gives back the one before. A host calls it before
-/// it uses anything else; it isn't owned and must outlive the process's last use.
+/// Puts `os` in force and with it its memory, null for the POSIX host, and gives back the one before. A host calls it
+/// before it uses anything else; it isn't owned and must outlive the process's last use.
 iOS* installOS(iOS* os) noexcept;

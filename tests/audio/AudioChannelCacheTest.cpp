@@ -11,11 +11,17 @@
 
 namespace {
 
-/// A cache that can stand alone.
+/// A cache whose lock a test can take.
 class Cache : public AudioChannelCache {
 public:
     using AudioChannelCache::lock_;
 };
+
+TEST(AudioChannelCacheAlone, NeedsNoReader) {
+    AudioChannelCache cache;
+    AudioRequest wanted{0, 0, 0, 0, 1};
+    EXPECT_FALSE(cache.contains(wanted));
+}
 
 class AudioChannelCacheTest : public ::testing::Test {
 protected:

@@ -122,6 +122,10 @@ TEST(PreOpenLifetime, LibraryMayExitMeanwhile) {
     EXPECT_EQ(run("preopen_ends", {"closed"}), "shutdown\nfiles opened: 3\n");
 }
 
+TEST(PreOpenLifetime, TheCacheOutlivesWhatIsStillBeingOpened) {
+    EXPECT_EQ(run("preopen_ends", {"initialised"}), "files opened: 3\n");
+}
+
 TEST(StreamLifetime, ExitWhileARunIsBeingDecoded) {
     EXPECT_EQ(run("stream_ends", {"held"}), "status 2\ndecoded\n");
 }

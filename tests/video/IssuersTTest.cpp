@@ -1,6 +1,7 @@
 #include "video/IssuersT.h"
 
 #include <memory>
+#include <utility>
 
 #include "gtest/gtest.h"
 #include "tests/fakes/RecordingIssuer.h"
@@ -120,6 +121,29 @@ TEST_F(IssuersTTest, LetsTheNotifiedThreadAddToTheSameSet) {
     target = &issuers;
     tell(issuers);
     EXPECT_EQ(adding.callCount(), 1U);
+    EXPECT_TRUE(issuers.empty());
+}
+
+TEST_F(IssuersTTest, IsEmptyWhenMadeFromNothing) {
+    IssuersT issuers;
+    EXPECT_TRUE(issuers.empty());
+}
+
+TEST_F(IssuersTTest, APartyMayTellAllTheOthersItself) {
+    IssuersT* all = nullptr;
+    bool hasTold = false;
+    auto const tellAll = [&](RecordingIssuer::Call const&) {
+        if (!std::exchange(hasTold, true)) {
+            tell(*all);
+        }
+    };
+    RecordingIssuer one(tellAll);
+    RecordingIssuer another(tellAll);
+    IssuersT issuers(one.getProxy());
+    issuers.addIssuersFrom(IssuersT(another.getProxy()));
+    all = &issuers;
+    tell(issuers);
+    EXPECT_EQ(one.callCount() + another.callCount(), 3U);
     EXPECT_TRUE(issuers.empty());
 }
 

@@ -139,4 +139,26 @@ TEST_F(IndexUnitTest, OfTheNewRequestIsNotLookedAt) {
     EXPECT_EQ(ask(15, {.indexInfo = makeUnit(0, 30, 40)}), waiting);
 }
 
+/// What a read teaches of a file holds for those that have been taken up before.
+class LearntRangeTest : public QueueFixture {};
+
+TEST_F(LearntRangeTest, AReadWhoseUnitHasGrownTakesInMore) {
+    Ox::Ptr<IndexInfoRep> const unit = makeUnit(0, 5, 5);
+    Wanted wanted;
+    wanted.indexInfo = unit;
+    RequestPtr const held = read(5, wanted);
+    EXPECT_NE(ask(12), held);
+    unit->unitStart = 0;
+    unit->unitEnd = 24;
+    EXPECT_EQ(ask(13), held);
+}
+
+TEST_F(LearntRangeTest, AFileThatTurnsOutToBeGroupedMergesFromThenOn) {
+    RequestPtr const held = read(13);
+    EXPECT_NE(ask(8), held);
+    file->metadata->frameGrouped = true;
+    file->metadata->framesPerGroup = 8;
+    EXPECT_EQ(ask(15), held);
+}
+
 }  // namespace

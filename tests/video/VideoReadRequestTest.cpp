@@ -329,6 +329,15 @@ TEST_F(VideoReadRequestTest, TellsOnlyTheNewIssuersWhenItCompletesASecondTime) {
     EXPECT_EQ(decoder->count, 1U);
 }
 
+TEST_F(VideoReadRequestTest, TellsTheNewIssuersOfAResultThatIsThereNoMore) {
+    auto const request = makeRequest();
+    request->setRequestStatus(requestComplete);
+    request->requestHasCompleted(requestComplete);
+    EXPECT_EQ(issuer.only().status, requestComplete);
+    EXPECT_FALSE(issuer.only().result);
+    EXPECT_EQ(request->getRequestStatus(), requestComplete);
+}
+
 TEST_F(VideoReadRequestTest, DoesNotStampAgainWhenItCompletesASecondTime) {
     auto const request = makeRequest();
     request->setResultBuffer(buffer);

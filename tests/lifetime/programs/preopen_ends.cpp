@@ -1,5 +1,6 @@
 /// Ends in the way that the argument names while files are being opened ahead of need: "held", "dropped",
-/// "worker" (from inside an open), "closed" (after the exit of the library).
+/// "worker" (from inside an open), "closed" (after the exit of the library), "initialised" (by a process that began with
+/// the library's start).
 #include <cstdlib>
 #include <map>
 #include <string>
@@ -89,14 +90,22 @@ void exitTheLibraryMeanwhile() {
     openGateAtShutdown();
 }
 
+/// The service is older than the cache here, and nothing else sees to it that it is stopped first.
+void returnAfterTheStart() {
+    playfile_init();
+    static std::vector<Ahead> held;
+    held = openAhead();
+    static_cast<void>(gate.waitForArrivals(1));
+    std::atexit([] { gate.open(); });
+}
+
 }  // namespace
 
 int main(int, char** arguments) {
     std::map<std::string, void (*)()> const ways{
-        {"held", &exitWithRequests},
-        {"dropped", &returnWithDroppedRequests},
-        {"worker", &exitFromInsideAnOpen},
-        {"closed", &exitTheLibraryMeanwhile},
+        {"held", &exitWithRequests},           {"dropped", &returnWithDroppedRequests},
+        {"worker", &exitFromInsideAnOpen},     {"closed", &exitTheLibraryMeanwhile},
+        {"initialised", &returnAfterTheStart},
     };
     ways.at(arguments[1])();
 }

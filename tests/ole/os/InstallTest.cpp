@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdint>
 
+#include "ole/Ox/OxString.h"
 #include "ole/os/OS.h"
 #include "tests/fakes/CountingMemoryService.h"
 #include "tests/fakes/ForwardingOS.h"
@@ -49,6 +51,34 @@ TEST(MemoryService, TheInstalledOneIsInForceAndTheOneBeforeComesBack) {
         EXPECT_EQ(&counting, &OS()->getMemory());
     }
     EXPECT_EQ(before, &memoryService());
+}
+
+/// Hands everything on, and counts.
+class OwnMemory final : public iMemoryService {
+public:
+    void* allocate(std::size_t byteCount) override {
+        ++taken;
+        return before_.allocate(byteCount);
+    }
+    void release(void* block) noexcept override { before_.release(block); }
+
+    std::atomic<int> taken{0};
+
+private:
+    iMemoryService& before_ = memoryService();
+};
+
+TEST(InstallOS, TheLibraryTakesItsMemoryFromTheInstalledOne) {
+    iMemoryService const* const before = &memoryService();
+    OwnMemory own;
+    {
+        ForwardingOS system;
+        system.memory = &own;
+        installOS(&system);
+        LightweightString<char> const text("text");
+        EXPECT_EQ(own.taken, 1);
+    }
+    EXPECT_EQ(&memoryService(), before);
 }
 
 TEST(InstallOS, TheInstalledOneIsInForceAndTheOneBeforeComesBack) {
