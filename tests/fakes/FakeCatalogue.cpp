@@ -200,6 +200,9 @@ void FakeCatalogue::addFile(Cookie const& cookie, MediaFileInfo const& file, boo
 }
 
 OxResult FakeCatalogue::removeFile(Cookie const& cookie, eMediaTypes types, bool option) {
+    if (onRemove) {
+        onRemove();
+    }
     calls_->add("catalogue.removeFile " + textOf(cookie) + " " + std::to_string(types) + " " +
                 std::to_string(option));
     std::lock_guard const scope(lock_);

@@ -48,6 +48,8 @@ public:
     std::function<void()> onFind;
     /// Run at the start of each look-up of a start offset; set before it is used.
     std::function<void(Cookie const&)> onStartOffset;
+    /// Run at the start of each `removeFile`; set before it is used.
+    std::function<void()> onRemove;
 
     /// Says how many channels a clip has that can be opened.
     void setChannels(Cookie const& cookie, std::size_t videoChannels, std::size_t audioChannels);

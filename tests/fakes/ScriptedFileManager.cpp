@@ -7,9 +7,14 @@ namespace {
 /// A handle that records its end.
 class ScriptedHandle : public iFile {
 public:
-    ScriptedHandle(std::shared_ptr<CallLog> calls, std::string name)
-        : calls_(std::move(calls)), name_(std::move(name)) {}
-    ~ScriptedHandle() override { calls_->add("fm.release " + name_); }
+    ScriptedHandle(std::shared_ptr<CallLog> calls, std::string name, std::function<void()> onRelease)
+        : calls_(std::move(calls)), name_(std::move(name)), onRelease_(std::move(onRelease)) {}
+    ~ScriptedHandle() override {
+        calls_->add("fm.release " + name_);
+        if (onRelease_) {
+            onRelease_();
+        }
+    }
     std::uint32_t read(void*, std::uint32_t) override { return 0; }
     std::uint32_t write(void const*, std::uint32_t) override { return 0; }
     bool setPosition(std::uint64_t) override { return false; }
@@ -18,6 +23,7 @@ public:
 private:
     std::shared_ptr<CallLog> const calls_;
     std::string const name_;
+    std::function<void()> const onRelease_;
 };
 
 }  // namespace
@@ -55,7 +61,7 @@ Ox::Ptr<iFile> ScriptedFileManager::openFile(LightweightString<wchar_t> const& n
     if (!opensFiles) {
         return {};
     }
-    return Ox::makePtr<ScriptedHandle>(calls_, narrow(name));
+    return Ox::makePtr<ScriptedHandle>(calls_, narrow(name), onRelease);
 }
 
 LightweightString<wchar_t> ScriptedFileManager::getMountedFilename(LightweightString<wchar_t> const& name) {

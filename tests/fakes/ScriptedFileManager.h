@@ -26,6 +26,8 @@ public:
     Gate existsGate{true};
     /// False makes `openFile` answer empty.
     bool opensFiles = true;
+    /// Run when a handle is released that was opened afterwards.
+    std::function<void()> onRelease;
     /// False makes every renaming fail.
     bool renames = true;
     /// What every deleting answers.

@@ -395,6 +395,37 @@ TEST_F(SizeTest, EachOpenFileSeesWhatTheOneBeforeItLeft) {
     EXPECT_THAT(seen, ElementsAre(1000, 990));
 }
 
+/// A file that notes when it is asked for a size.
+class AskedFile : public ScriptedFile {
+public:
+    explicit AskedFile(std::vector<FileReadInstance*>& asked)
+        : ScriptedFile("asked", OpenType::video, std::make_shared<FileScript>()), asked_(asked) {
+        metadata->videoSampleCount = 100;
+        metadata->videoInfoCount = 1;
+    }
+    void recalculateSize(unsigned, unsigned&) override { asked_.push_back(this); }
+
+private:
+    std::vector<FileReadInstance*>& asked_;
+};
+
+/// The file that the cache has first, and has had first, lies behind the other one.
+TEST_F(SizeTest, FilesAreAskedInTheOrderOfTheirAddresses) {
+    std::vector<FileReadInstance*> asked;
+    Ox::Ptr<FileReadInstance> low = Ox::makePtr<AskedFile>(asked);
+    Ox::Ptr<FileReadInstance> high = Ox::makePtr<AskedFile>(asked);
+    if (high < low) {
+        std::swap(low, high);
+    }
+    high->filename = wide(pathOf(0));
+    low->filename = wide(pathOf(1));
+    reader->make = [&](auto const& call) { return narrow(call.name) == pathOf(0) ? high : low; };
+    static_cast<void>(open(channel('V', 0)));
+    static_cast<void>(open(channel('V', 1)));
+    recalculate(1000);
+    EXPECT_THAT(asked, ElementsAre(low.get(), high.get()));
+}
+
 TEST_F(SizeTest, TheSizeOnlyShrinks) {
     static_cast<void>(open(channel('V', 0)));
     reader->script->recalculate = [](unsigned, unsigned& size) { size += 10; };

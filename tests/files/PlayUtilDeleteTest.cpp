@@ -64,6 +64,39 @@ TEST_F(Delete, OfProxiesLeavesTheOriginalOpen) {
     EXPECT_THAT(removed(), ElementsAre(removal(cookie, 2)));
 }
 
+TEST_F(Delete, OfTheOriginalLeavesAProxyOpen) {
+    Cookie const cookie = addEntry('V', 0);
+    addReader("any");
+    addFile("/m/" + textOf(cookie));
+    addFile("/m/proxy" + textOf(cookie));
+    Ox::Ptr<FileReadInstance> const original = openFile("/m/" + textOf(cookie));
+    Ox::Ptr<FileReadInstance> const proxy = openFile("/m/proxy" + textOf(cookie));
+    EXPECT_EQ(PlayUtil::deletePlayFile(cookie, mediaOriginal), 1U);
+    EXPECT_EQ(openFile("/m/proxy" + textOf(cookie)), proxy);
+    EXPECT_NE(openFile("/m/" + textOf(cookie)), original);
+    EXPECT_THAT(removed(), ElementsAre(removal(cookie, 1)));
+}
+
+TEST_F(Delete, HasTheCacheForgetProxiesAndThenTheOriginalBeforeTheCatalogueDeletes) {
+    Cookie const cookie = addEntry('V', 0);
+    std::string const original = "/m/" + textOf(cookie);
+    std::string const proxy = "/m/proxy" + textOf(cookie);
+    addReader("any");
+    for (std::string const& path : {original, proxy}) {
+        addFile(path);
+        static_cast<void>(openFile(path));
+    }
+    CallLog::Lines forgottenBefore;
+    std::size_t openWhenAsked = 2;
+    catalogue.onRemove = [&] {
+        forgottenBefore = calls->with(".purge");
+        openWhenAsked = PlayFileCache::Shared()->getOpenCount();
+    };
+    EXPECT_EQ(PlayUtil::deletePlayFile(cookie, mediaAll), 1U);
+    EXPECT_EQ(openWhenAsked, 0U);
+    EXPECT_THAT(forgottenBefore, ElementsAre(proxy + ".purge", original + ".purge"));
+}
+
 TEST_F(Delete, OfNeitherStillAsksTheCatalogue) {
     Cookie const cookie = addEntry('V', 0);
     EXPECT_EQ(PlayUtil::deletePlayFile(cookie, static_cast<eMediaTypes>(0)), 1U);

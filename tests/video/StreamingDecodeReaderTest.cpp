@@ -10,6 +10,7 @@
 #include "tests/fakes/ForwardingOS.h"
 #include "tests/fakes/ForwardingThreadService.h"
 #include "tests/fakes/LogToCalls.h"
+#include "tests/fakes/RecordedThreads.h"
 #include "tests/fakes/ScriptedStream.h"
 #include "tests/fakes/WatchedThreads.h"
 #include "video/VideoReadRequest.h"
@@ -343,6 +344,15 @@ TEST_F(StreamingDecodeReaderTest, AStartAboveTheFrameServesNothingAndBreaksNothi
     EXPECT_FALSE(surface.valid());
 }
 
+TEST_F(StreamingDecodeReaderTest, ARunIsHeldToWhatAnIndexCanSayAndTheFrameBehindItIsWrapped) {
+    stream->range = [](unsigned, unsigned& start, unsigned& end) {
+        start = 10;
+        end = 70000;
+    };
+    EXPECT_EQ(picture(10 + 65536 + 4), 14U);
+    EXPECT_THAT(stream->decoded(), ElementsAre(Batch{10, 65536}));
+}
+
 TEST_F(StreamingDecodeReaderTest, EndsInMidRunWhenThatIsDecoded) {
     stream->frameGate.close();
     Surface const last = read(3);
@@ -368,6 +378,43 @@ TEST_F(StreamingDecodeReaderTest, ThePositionIsTheSubclassesOwn) {
     EXPECT_EQ(stream->position(), -999);
     read(4);
     EXPECT_EQ(stream->position(), -999);
+}
+
+/// A stream with a record of its events, which count from 1 in the order of making: two of its own, then one
+/// for each frame of a run.
+class StreamEvents : public StreamingDecodeReaderTest {
+protected:
+    ~StreamEvents() override {
+        buffer = nullptr;
+        stream = nullptr;
+    }
+
+    test::RecordedThreads recorded;
+};
+
+TEST_F(StreamEvents, AreMadeBeforeTheThread) {
+    stream->beginStreamDecode();
+    EXPECT_THAT(recorded.callsThatBegin("make"),
+                ElementsAre("make event 1 auto clear 0", "make event 2 manual set 0",
+                            "make lock StreamingDecode", "make thread StreamingDecode"));
+}
+
+TEST_F(StreamEvents, WakeItByTheFirstAndTellByTheSecondThatItIsIdle) {
+    stream->beginStreamDecode();
+    stream->wake();
+    recorded.awaitCalls("set", 2);
+    EXPECT_THAT(recorded.callsThatBegin("set"), ElementsAre("set 1", "set 2"));
+}
+
+TEST_F(StreamEvents, OfTheRunThatGoesAwayAreAllSetInOrderBeforeTheNextIsBegun) {
+    picture(0);
+    picture(4);
+    stream->waitUntilIdle();
+    stream->batchGate.close();
+    recorded.forget();
+    read(8);
+    EXPECT_THAT(recorded.callsThatBegin("set"), ElementsAre("set 3", "set 4", "set 5", "set 6", "set 1"));
+    stream->batchGate.open();
 }
 
 TEST(FramePresent, IsInsideTheBatchOnly) {

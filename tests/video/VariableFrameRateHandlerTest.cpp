@@ -112,6 +112,19 @@ TEST(VariableFrameRate, ARunsLengthWrapsAt32Bits) {
     EXPECT_EQ(map.getDuration(), 0x10000U + 10000U);
 }
 
+TEST(VariableFrameRate, ARunWhoseLengthWrapsIsMappedByWhatIsLeft) {
+    PalMap map({{0x10000, 0x10001}, {10, 1000}});
+    EXPECT_EQ(map.mapVFRSample(65), 65000U);
+    EXPECT_EQ(map.mapVFRSample(68), 0x10000U + 2);
+    EXPECT_EQ(map.mapVFRSample(65), 65000U);
+}
+
+/// 2^32 + 32704 units behind the start of the last run, of which 32704 count.
+TEST(VariableFrameRate, ATimeInsideTheLastRunIsCutTo32Bits) {
+    PalMap map(twoRuns);
+    EXPECT_EQ(map.mapVFRSample(4'295'100), 100U + 16);
+}
+
 TEST(VariableFrameRate, TellsTheDurationOfTheWholeTable) {
     EXPECT_EQ(PalMap(twoRuns).getDuration(), 200000U);
     EXPECT_EQ(PalMap({}).getDuration(), 0U);

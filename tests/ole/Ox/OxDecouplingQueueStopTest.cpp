@@ -6,8 +6,8 @@
 #include <memory>
 
 #include "tests/fakes/Gate.h"
+#include "tests/fakes/RecordedThreads.h"
 #include "tests/ole/Ox/JobOwner.h"
-#include "tests/ole/Ox/RecordedThreads.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include <optional>
 
 #include "tests/fakes/Gate.h"
+#include "tests/fakes/RecordedThreads.h"
 #include "tests/ole/Ox/JobOwner.h"
-#include "tests/ole/Ox/RecordedThreads.h"
 #include "video/VideoReadRequest.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/ole/Ox/RecordedThreads.h"
+#include "tests/fakes/RecordedThreads.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "tests/fakes/Gate.h"
-#include "tests/ole/Ox/RecordedThreads.h"
+#include "tests/fakes/RecordedThreads.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tests/ole/Ox/RecordedThreads.h"
+#include "tests/fakes/RecordedThreads.h"
 
 #include <algorithm>
 #include <iterator>
