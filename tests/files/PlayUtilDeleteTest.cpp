@@ -33,6 +33,13 @@ protected:
     static std::string removal(Cookie const& cookie, unsigned types) {
         return "catalogue.removeFile " + textOf(cookie) + " " + std::to_string(types) + " 0";
     }
+    /// Has the original and the proxy of an entry open.
+    std::pair<Ox::Ptr<FileReadInstance>, Ox::Ptr<FileReadInstance>> openBoth(Cookie const& cookie) {
+        addReader("any");
+        addFile("/m/" + textOf(cookie));
+        addFile("/m/proxy" + textOf(cookie));
+        return {openFile("/m/" + textOf(cookie)), openFile("/m/proxy" + textOf(cookie))};
+    }
 };
 
 TEST_F(Delete, AsksTheCatalogueToDelete) {
@@ -44,11 +51,7 @@ TEST_F(Delete, AsksTheCatalogueToDelete) {
 
 TEST_F(Delete, HasTheCacheForgetOriginalAndProxies) {
     Cookie const cookie = addEntry('V', 0);
-    addReader("any");
-    addFile("/m/" + textOf(cookie));
-    addFile("/m/proxy" + textOf(cookie));
-    Ox::Ptr<FileReadInstance> const original = openFile("/m/" + textOf(cookie));
-    Ox::Ptr<FileReadInstance> const proxy = openFile("/m/proxy" + textOf(cookie));
+    auto const [original, proxy] = openBoth(cookie);
     EXPECT_EQ(PlayUtil::deletePlayFile(cookie, mediaAll), 1U);
     EXPECT_NE(openFile("/m/" + textOf(cookie)), original);
     EXPECT_NE(openFile("/m/proxy" + textOf(cookie)), proxy);
@@ -66,11 +69,7 @@ TEST_F(Delete, OfProxiesLeavesTheOriginalOpen) {
 
 TEST_F(Delete, OfTheOriginalLeavesAProxyOpen) {
     Cookie const cookie = addEntry('V', 0);
-    addReader("any");
-    addFile("/m/" + textOf(cookie));
-    addFile("/m/proxy" + textOf(cookie));
-    Ox::Ptr<FileReadInstance> const original = openFile("/m/" + textOf(cookie));
-    Ox::Ptr<FileReadInstance> const proxy = openFile("/m/proxy" + textOf(cookie));
+    auto const [original, proxy] = openBoth(cookie);
     EXPECT_EQ(PlayUtil::deletePlayFile(cookie, mediaOriginal), 1U);
     EXPECT_EQ(openFile("/m/proxy" + textOf(cookie)), proxy);
     EXPECT_NE(openFile("/m/" + textOf(cookie)), original);
