@@ -17,7 +17,7 @@ namespace cli {
 namespace {
 
 /// How a database begins, and where and how it says that it is a project.
-constexpr std::string_view databaseMark("SQLite format 3", 16);
+constexpr std::string_view databaseMark("SQLite format 3\0", 16);
 constexpr std::size_t kindOffset = 68;
 constexpr std::string_view projectKind = "PLYP";
 constexpr std::size_t headerLength = kindOffset + projectKind.size();

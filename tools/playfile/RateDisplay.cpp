@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "toolkit/services/NumberText.h"
@@ -22,7 +23,7 @@ constexpr double leastSeconds = 0.2;
 char const* const wipeLine = "\r\033[K";
 
 std::string timeText(double seconds) {
-    long const whole = static_cast<long>(seconds + 0.5);
+    long const whole = std::lround(seconds);
     char text[32];
     std::snprintf(text, sizeof(text), "%ld:%02ld", whole / secondsPerMinute, whole % secondsPerMinute);
     return text;

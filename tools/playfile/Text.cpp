@@ -79,8 +79,8 @@ LightweightString<wchar_t> widened(std::string_view text) {
     return fromUTF8(text.data(), static_cast<int>(text.size()));
 }
 
-/// The control characters U+0080 to U+009F, which terminals obey too, as escapes.
-LightweightString<wchar_t> withoutUpperControls(LightweightString<wchar_t> text) {
+/// The control characters U+0080 to U+009F, which terminals obey too, as U+FFFD.
+LightweightString<wchar_t> withoutUpperControls(LightweightString<wchar_t> const& text) {
     std::wstring result = text.str();
     for (wchar_t& c : result) {
         c = c >= L'\x80' && c <= L'\x9F' ? L'\xFFFD' : c;
