@@ -64,11 +64,11 @@ VideoReadQueue::~VideoReadQueue() {
     queue.decRef();
 }
 
-/// The worker is woken when the lock has been left: woken under it, it would go back to sleep at once. The queue may
-/// be ending just then, and this be its worker whose read has led to the next request: then nobody may count on the
-/// queue any more, but its event stays as long as it is held.
+/// The worker is woken when the lock has been left: woken under it, it would go back to sleep at once. If this is the
+/// worker, whose read has led to the next request, it looks again by itself; and then the queue may be ending, when
+/// nobody can hold it any more.
 unsigned int VideoReadQueue::queueReadRequest(Ptr<VideoReadRequest>& request) {
-    ThreadEventPtr wakeEvent;
+    ExternalPtr<DecouplingQueue<VideoReadRequest>> woken;
     {
         ScopedLock const scope(lock());
         if (!queue) {
@@ -83,12 +83,14 @@ unsigned int VideoReadQueue::queueReadRequest(Ptr<VideoReadRequest>& request) {
             PlayFileCounters::add(playFileCounters().requestsQueued);
             trace(TraceEvent::requestStep, "queued", *request);
             queue->enqueue(request);
-            wakeEvent = queue->wakeEvent();
+            if (!queue->isThisThreadAWorker()) {
+                woken = queue;
+            }
         }
         limitUsage();
     }
-    if (wakeEvent) {
-        wakeEvent->set();
+    if (woken) {
+        woken->wakeEvent()->set();
     }
     return 1;
 }
