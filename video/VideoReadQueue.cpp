@@ -27,16 +27,16 @@ struct FrameRange {
     [[nodiscard]] bool contains(std::uint32_t frame) const { return frame >= low && frame <= high; }
 };
 
-FrameRange framesOf(VideoReadRequest const& candidate) {
-    if (IndexInfoRep const* unit = candidate.indexInfo.get()) {
+FrameRange framesOf(std::uint32_t frame, IndexInfoRep const* unit, FileReadInstance const& file) {
+    if (unit) {
         return {unit->unitOffset + unit->unitStart, unit->unitEnd};
     }
-    PlayFileMetadataRep const& metadata = *candidate.file->metadata;
+    PlayFileMetadataRep const& metadata = *file.metadata;
     if (metadata.frameGrouped && metadata.framesPerGroup != 0) {
-        std::uint32_t const low = candidate.frame - candidate.frame % metadata.framesPerGroup;
+        std::uint32_t const low = frame - frame % metadata.framesPerGroup;
         return {low, low + metadata.framesPerGroup - 1};
     }
-    return {candidate.frame, candidate.frame};
+    return {frame, frame};
 }
 
 void trace(TraceEvent::ePhase phase, char const* name, VideoReadRequest const& request,
@@ -100,20 +100,25 @@ unsigned int VideoReadQueue::queueReadRequest(Ptr<VideoReadRequest>& request) {
 Ptr<VideoReadRequest> VideoReadQueue::findMatchingRequest(Ptr<VideoReadRequest>& request) const {
     std::uint32_t const frame = request->frame;
     bool const isStreaming = request->file->metadata->readStreaming();
-    auto const yieldsIt = [&](Ptr<VideoReadRequest> const& candidate) {
-        bool const hasFrame = isStreaming ? candidate->frame == frame : framesOf(*candidate).contains(frame);
-        return hasFrame && candidate->resultType == request->resultType &&
-               candidate->getWidth() >= request->getWidth();
+    auto const hasFrame = [&](std::uint32_t own, IndexInfoRep const* unit, FileReadInstance const& file) {
+        return isStreaming ? own == frame : framesOf(own, unit, file).contains(frame);
+    };
+    auto const isAlike = [&](VideoReadRequest const& candidate) {
+        return candidate.resultType == request->resultType && candidate.getWidth() >= request->getWidth();
     };
     if (queue) {
-        auto const& pending = queue->requests();
-        auto const waiting = std::find_if(pending.begin(), pending.end(), yieldsIt);
-        if (waiting != pending.end()) {
-            return *waiting;
+        for (Ptr<VideoReadRequest> const& pending : queue->requests()) {
+            if (hasFrame(pending->frame, pending->indexInfo.get(), *pending->file) && isAlike(*pending)) {
+                return pending;
+            }
         }
     }
-    auto const taken = std::find_if(active_.begin(), active_.end(), yieldsIt);
-    return taken == active_.end() ? Ptr<VideoReadRequest>() : *taken;
+    for (TakenUp const& taken : active_) {
+        if (hasFrame(taken.frame, taken.unit.get(), *taken.file) && isAlike(*taken.request)) {
+            return taken.request;
+        }
+    }
+    return {};
 }
 
 void VideoReadQueue::reuseRequest(Ptr<VideoReadRequest>& existing, Ptr<VideoReadRequest>& request) {
@@ -140,7 +145,7 @@ void VideoReadQueue::despatch(Ptr<VideoReadRequest>& request) {
     request->setRequestStatus(requestTakenUp);
     {
         ScopedLock const scope(lock());
-        active_.push_back(request);
+        active_.emplace_back(request);
     }
     request->file->readVideo(request);
 }
@@ -155,13 +160,13 @@ void VideoReadQueue::purge() {
 void VideoReadQueue::limitUsage() {
     std::vector<Ptr<VideoReadRequest>> unused;
     ScopedLock const scope(lock());
-    auto const isUnused = [](Ptr<VideoReadRequest> const& taken) {
-        return taken.useCount() == 1 && isFinished(taken->getRequestStatus());
+    auto const isUnused = [](TakenUp const& taken) {
+        return taken.request.useCount() == 1 && isFinished(taken.request->getRequestStatus());
     };
     auto kept = std::find_if(active_.begin(), active_.end(), isUnused);
     for (auto taken = kept; taken != active_.end(); ++taken) {
         if (isUnused(*taken)) {
-            unused.push_back(std::move(*taken));
+            unused.push_back(std::move(taken->request));
         } else {
             *kept++ = std::move(*taken);
         }
@@ -172,14 +177,15 @@ void VideoReadQueue::limitUsage() {
 /// As long as the counts say so, nobody else holds the file or one of its requests, so nobody can make the counts
 /// rise. What goes is released outside the lock, and with the file the queue goes back into its pool.
 void VideoReadQueue::releaseForgottenFile() {
-    std::vector<Ptr<VideoReadRequest>> forgotten;
+    std::vector<TakenUp> forgotten;
     ScopedLock const scope(lock());
     if (active_.empty() || !queue || !queue->requests().empty()) {
         return;
     }
-    Ptr<FileReadInstance> const& file = active_.front()->file;
-    auto const holdsTheFileAlone = [&file](Ptr<VideoReadRequest> const& taken) {
-        return taken->file == file && taken.useCount() == 1 && isFinished(taken->getRequestStatus());
+    Ptr<FileReadInstance> const& file = active_.front().request->file;
+    auto const holdsTheFileAlone = [&file](TakenUp const& taken) {
+        return taken.file == file.get() && taken.request.useCount() == 1 &&
+               isFinished(taken.request->getRequestStatus());
     };
     if (file.useCount() == active_.size() && std::all_of(active_.begin(), active_.end(), holdsTheFileAlone)) {
         forgotten.swap(active_);
