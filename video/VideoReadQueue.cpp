@@ -19,33 +19,9 @@ constexpr unsigned workerCount = 1;
 constexpr unsigned anyProcessor = static_cast<unsigned>(-1);
 constexpr unsigned workerStackBytes = 0x80000;
 
-/// The frames that a request will yield of a file that isn't read streaming, both included.
-struct FrameRange {
-    std::uint32_t low;
-    std::uint32_t high;
-
-    [[nodiscard]] bool contains(std::uint32_t frame) const { return frame >= low && frame <= high; }
-};
-
-FrameRange framesOf(std::uint32_t frame, IndexInfoRep const* unit, FileReadInstance const& file) {
-    if (unit) {
-        return {unit->unitOffset + unit->unitStart, unit->unitEnd};
-    }
-    PlayFileMetadataRep const& metadata = *file.metadata;
-    if (metadata.frameGrouped && metadata.framesPerGroup != 0) {
-        std::uint32_t const low = frame - frame % metadata.framesPerGroup;
-        return {low, low + metadata.framesPerGroup - 1};
-    }
-    return {frame, frame};
-}
-
 void trace(TraceEvent::ePhase phase, char const* name, VideoReadRequest const& request,
            TraceEvent::Fact const& fact = {}) {
     PlayFileTrace::step(phase, VideoReadRequest::traceCategory, name, request.number, fact);
-}
-
-bool isFinished(RequestStatus status) {
-    return status != requestBuilt && status != requestTakenUp;
 }
 
 }  // namespace
@@ -95,30 +71,19 @@ unsigned int VideoReadQueue::queueReadRequest(Ptr<VideoReadRequest>& request) {
     return 1;
 }
 
-/// In a streamed file a read yields its own frame only. What others yield is asked at each look: a reader learns more
-/// of a file while it reads.
 Ptr<VideoReadRequest> VideoReadQueue::findMatchingRequest(Ptr<VideoReadRequest>& request) const {
-    std::uint32_t const frame = request->frame;
-    bool const isStreaming = request->file->metadata->readStreaming();
-    auto const hasFrame = [&](std::uint32_t own, IndexInfoRep const* unit, FileReadInstance const& file) {
-        return isStreaming ? own == frame : framesOf(own, unit, file).contains(frame);
-    };
+    FrameLook look(request->frame, *request->file);
     auto const isAlike = [&](VideoReadRequest const& candidate) {
         return candidate.resultType == request->resultType && candidate.getWidth() >= request->getWidth();
     };
     if (queue) {
         for (Ptr<VideoReadRequest> const& pending : queue->requests()) {
-            if (hasFrame(pending->frame, pending->indexInfo.get(), *pending->file) && isAlike(*pending)) {
+            if (look.isYieldedBy(*pending) && isAlike(*pending)) {
                 return pending;
             }
         }
     }
-    for (TakenUp const& taken : active_) {
-        if (hasFrame(taken.frame, taken.unit.get(), *taken.file) && isAlike(*taken.request)) {
-            return taken.request;
-        }
-    }
-    return {};
+    return active_.find(look, isAlike);
 }
 
 void VideoReadQueue::reuseRequest(Ptr<VideoReadRequest>& existing, Ptr<VideoReadRequest>& request) {
@@ -145,56 +110,45 @@ void VideoReadQueue::despatch(Ptr<VideoReadRequest>& request) {
     request->setRequestStatus(requestTakenUp);
     {
         ScopedLock const scope(lock());
-        active_.emplace_back(request);
+        active_.add(request);
     }
     request->file->readVideo(request);
 }
 
 void VideoReadQueue::purge() {
+    TakenUpRequests::Requests all;
     ScopedLock const scope(lock());
-    active_.clear();
+    all = active_.takeAll();
 }
 
-/// What goes is released outside the lock, as it can be slow: buffers, a last reference to a file. Those
-/// before the first that goes aren't moved.
+/// What goes is released outside the lock, as it can be slow: buffers, a last reference to a file.
 void VideoReadQueue::limitUsage() {
-    std::vector<Ptr<VideoReadRequest>> unused;
+    TakenUpRequests::Requests unused;
     ScopedLock const scope(lock());
-    auto const isUnused = [](TakenUp const& taken) {
-        return taken.request.useCount() == 1 && isFinished(taken.request->getRequestStatus());
-    };
-    auto kept = std::find_if(active_.begin(), active_.end(), isUnused);
-    for (auto taken = kept; taken != active_.end(); ++taken) {
-        if (isUnused(*taken)) {
-            unused.push_back(std::move(taken->request));
-        } else {
-            *kept++ = std::move(*taken);
-        }
-    }
-    active_.erase(kept, active_.end());
+    unused = active_.takeUnused();
 }
 
 /// As long as the counts say so, nobody else holds the file or one of its requests, so nobody can make the counts
 /// rise. What goes is released outside the lock, and with the file the queue goes back into its pool.
 void VideoReadQueue::releaseForgottenFile() {
-    std::vector<TakenUp> forgotten;
+    TakenUpRequests::Requests forgotten;
     ScopedLock const scope(lock());
-    if (active_.empty() || !queue || !queue->requests().empty()) {
+    TakenUpRequests::Requests const& all = active_.all();
+    if (all.empty() || !queue || !queue->requests().empty()) {
         return;
     }
-    Ptr<FileReadInstance> const& file = active_.front().request->file;
-    auto const holdsTheFileAlone = [&file](TakenUp const& taken) {
-        return taken.file == file.get() && taken.request.useCount() == 1 &&
-               isFinished(taken.request->getRequestStatus());
+    Ptr<FileReadInstance> const& file = all.front()->file;
+    auto const holdsTheFileAlone = [&file](Ptr<VideoReadRequest> const& taken) {
+        return taken->file == file && TakenUpRequests::isUnused(taken);
     };
-    if (file.useCount() == active_.size() && std::all_of(active_.begin(), active_.end(), holdsTheFileAlone)) {
-        forgotten.swap(active_);
+    if (file.useCount() == all.size() && std::all_of(all.begin(), all.end(), holdsTheFileAlone)) {
+        forgotten = active_.takeAll();
     }
 }
 
 std::size_t VideoReadQueue::getActiveCount() {
     ScopedLock const scope(lock());
-    return active_.size();
+    return active_.all().size();
 }
 
 std::size_t VideoReadQueue::getPendingCount() {

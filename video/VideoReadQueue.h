@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstdint>
-#include <vector>
+#include <cstddef>
 
 #include "ole/Ox/OxDecouplingQueue.h"
+#include "video/TakenUpRequests.h"
 #include "video/VideoReadRequest.h"
 
 namespace Ox {
@@ -64,24 +64,12 @@ public:
     [[nodiscard]] bool isThisThreadTheWorker() const;
 
 private:
-    /// A request that was taken up, and what tells which frames it yields. That stands beside the pointer so that
-    /// looking through many costs little; unit and file are looked into each time, as a read may teach more of them.
-    struct TakenUp {
-        explicit TakenUp(Ptr<VideoReadRequest> const& taken)
-            : request(taken), unit(taken->indexInfo), file(taken->file.get()), frame(taken->frame) {}
-
-        Ptr<VideoReadRequest> request;
-        Ptr<IndexInfoRep> unit;
-        FileReadInstance const* file;  ///< The request holds it.
-        std::uint32_t frame;
-    };
-
     [[nodiscard]] CriticalSection& lock() { return lock_->section; }
 
     /// The queue's own lock, which outlives the queue.
     Ptr<DecouplingQueue<VideoReadRequest>::SharedLock> lock_;
-    /// Finished ones included, oldest first. Guarded by the lock.
-    std::vector<TakenUp> active_;
+    /// Guarded by the lock.
+    TakenUpRequests active_;
 };
 
 }  // namespace Ox
