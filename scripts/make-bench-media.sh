@@ -53,19 +53,20 @@ make_dnxhr-hq.mxf() { encode 75 yuv422p "$1" -c:v dnxhd -profile:v dnxhr_hq; }
 make_mjpeg.mov() { encode 75 yuvj422p "$1" -c:v mjpeg -q:v 3; }
 make_png.mov() { encode 50 rgb24 "$1" -c:v png -compression_level 3; }
 
-# A minute of sound: another noise in each channel.
-sound() { # CHANNELS OUT ENCODER_OPTION...
+# Sound: another noise in each channel.
+sound() { # CHANNELS SECONDS OUT ENCODER_OPTION...
     local channel expressions=""
     for ((channel = 0; channel < $1; channel++)); do
         expressions+="${expressions:+|}0.5*(2*random($channel)-1)+0.3*sin($((channel + 2))*400*t)"
     done
-    run -f lavfi -i "aevalsrc=$expressions:sample_rate=48000:duration=60" "${@:3}" \
-        -fflags +bitexact -flags:a +bitexact "$2"
+    run -f lavfi -i "aevalsrc=$expressions:sample_rate=48000:duration=$2" "${@:4}" \
+        -fflags +bitexact -flags:a +bitexact "$3"
 }
-make_sound-8ch-24bit.wav() { sound 8 "$1" -c:a pcm_s24le; }
-make_sound-64ch-24bit.wav() { sound 64 "$1" -c:a pcm_s24le; }
-make_sound-2ch.m4a() { sound 2 "$1" -c:a aac -b:a 192k; }
-make_sound-6ch.m4a() { sound 6 "$1" -c:a aac -b:a 384k; }
-make_sound-2ch.mp3() { sound 2 "$1" -c:a libmp3lame -b:a 192k; }
+make_sound-8ch-24bit.wav() { sound 8 60 "$1" -c:a pcm_s24le; }
+make_sound-64ch-24bit.wav() { sound 64 60 "$1" -c:a pcm_s24le; }
+# So long that the first block, before which the decoder's code comes from the disk, doesn't count in order.
+make_sound-2ch.m4a() { sound 2 300 "$1" -c:a aac -b:a 192k; }
+make_sound-6ch.m4a() { sound 6 300 "$1" -c:a aac -b:a 384k; }
+make_sound-2ch.mp3() { sound 2 300 "$1" -c:a libmp3lame -b:a 192k; }
 
 bring_media "$@"

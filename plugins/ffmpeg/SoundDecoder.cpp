@@ -97,14 +97,18 @@ void SoundDecoder::restartAtFirstPacket() {
 }
 
 bool SoundDecoder::feed(AVPacket const* packet) {
+    memory_.fetchPart();
     bool const isEmpty = packet != nullptr && packet->size == 0;
-    return !isEmpty && avcodec_send_packet(context_.get(), packet) >= 0;
+    bool const isTaken = !isEmpty && avcodec_send_packet(context_.get(), packet) >= 0;
+    memory_.fetchPart();
+    return isTaken;
 }
 
 bool SoundDecoder::feed(std::span<uint8_t const> bytes) {
     if (bytes.empty()) {
         return false;
     }
+    memory_.fetchPart();
     makeRoom(bytes.size());
     packet_->data = packet_->buf->data;
     packet_->size = static_cast<int>(bytes.size());
@@ -136,36 +140,18 @@ int SoundDecoder::getBuffer(AVCodecContext* context, AVFrame* frame, int flags) 
     if (!isPlain) {
         return avcodec_default_get_buffer2(context, frame, flags);
     }
-    return static_cast<SoundDecoder*>(context->opaque)->giveMemoryTo(*frame) ? 0 : AVERROR(ENOMEM);
-}
-
-/// Frames of one size follow each other, so that their memory can be used again and again; what is in use
-/// outlives its pool.
-bool SoundDecoder::giveMemoryTo(AVFrame& frame) {
-    auto const format = static_cast<AVSampleFormat>(frame.format);
-    int const byteCount =
-        av_samples_get_buffer_size(nullptr, frame.ch_layout.nb_channels, frame.nb_samples, format, 0);
-    if (byteCount < 0) {
-        return false;
-    }
-    if (byteCount != frameByteCount_ || !frameMemory_) {
-        frameByteCount_ = byteCount;
-        frameMemory_.reset(av_buffer_pool_init(static_cast<size_t>(byteCount), av_buffer_allocz));
-    }
-    frame.buf[0] = frameMemory_ ? av_buffer_pool_get(frameMemory_.get()) : nullptr;
-    frame.extended_data = frame.data;
-    return frame.buf[0] != nullptr &&
-           av_samples_fill_arrays(frame.data, frame.linesize, frame.buf[0]->data, frame.ch_layout.nb_channels,
-                                  frame.nb_samples, format, 0) >= 0;
+    return static_cast<SoundDecoder*>(context->opaque)->memory_.giveTo(*frame) ? 0 : AVERROR(ENOMEM);
 }
 
 AvPtr<AVFrame> SoundDecoder::receive() {
+    memory_.fetchPart();
     if (spare_.empty()) {
         spare_.push_back(makeFrame());
     }
     if (avcodec_receive_frame(context_.get(), spare_.back().get()) < 0) {
         return nullptr;
     }
+    memory_.fetchPart();
     context_->flags2 &= ~AV_CODEC_FLAG2_SKIP_MANUAL;
     AvPtr<AVFrame> frame = std::move(spare_.back());
     spare_.pop_back();
@@ -174,7 +160,7 @@ AvPtr<AVFrame> SoundDecoder::receive() {
 
 void SoundDecoder::giveBack(AvPtr<AVFrame> frame) {
     if (spare_.size() < mostSpareFrames) {
-        av_frame_unref(frame.get());
+        memory_.takeBack(*frame);
         spare_.push_back(std::move(frame));
     }
 }

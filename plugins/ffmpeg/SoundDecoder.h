@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "plugins/ffmpeg/AvPointers.h"
+#include "plugins/ffmpeg/FrameMemory.h"
 
 namespace playfile_ffmpeg {
 
@@ -43,14 +44,12 @@ private:
     void takeOverSkipping();
     void makeRoom(size_t byteCount);
     static int getBuffer(AVCodecContext* context, AVFrame* frame, int flags);
-    bool giveMemoryTo(AVFrame& frame);
 
     AvPtr<AVCodecParameters> const parameters_;
     AvPtr<AVCodecContext> context_;
     AvPtr<AVPacket> const packet_;
-    size_t blockByteCount_ = 0;        ///< Of the block that the packet has.
-    AvPtr<AVBufferPool> frameMemory_;  ///< For the samples of a frame, all channels in one piece.
-    int frameByteCount_ = 0;
+    size_t blockByteCount_ = 0;  ///< Of the block that the packet has.
+    FrameMemory memory_;
     std::vector<AvPtr<AVFrame>> spare_;
 };
 

@@ -1,0 +1,65 @@
+#include "plugins/ffmpeg/FrameMemory.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace playfile_ffmpeg {
+namespace {
+
+constexpr size_t mostFree = 64;
+constexpr size_t parts = 8;
+constexpr size_t lineByteCount = 64;
+
+}  // namespace
+
+bool FrameMemory::giveTo(AVFrame& frame) {
+    auto const format = static_cast<AVSampleFormat>(frame.format);
+    int const channels = frame.ch_layout.nb_channels;
+    int const byteCount = av_samples_get_buffer_size(nullptr, channels, frame.nb_samples, format, 0);
+    if (byteCount < 0) {
+        return false;
+    }
+    if (static_cast<size_t>(byteCount) != byteCount_) {
+        free_.clear();
+        byteCount_ = static_cast<size_t>(byteCount);
+    }
+    frame.buf[0] = takeNext().release();
+    frame.extended_data = frame.data;
+    fetchPart();
+    return frame.buf[0] != nullptr && av_samples_fill_arrays(frame.data, frame.linesize, frame.buf[0]->data,
+                                                             channels, frame.nb_samples, format, 0) >= 0;
+}
+
+AvPtr<AVBufferRef> FrameMemory::takeNext() {
+    fetched_ = 0;
+    if (free_.empty()) {
+        return AvPtr<AVBufferRef>(av_buffer_allocz(byteCount_));
+    }
+    AvPtr<AVBufferRef> next = std::move(free_.front());
+    free_.pop_front();
+    return next;
+}
+
+void FrameMemory::takeBack(AVFrame& frame) {
+    AVBufferRef* const memory = frame.buf[0];
+    bool const isOurs = memory != nullptr && memory->size == byteCount_ && av_buffer_is_writable(memory) == 1;
+    if (isOurs && free_.size() < mostFree) {
+        free_.emplace_back(std::exchange(frame.buf[0], nullptr));
+    }
+    av_frame_unref(&frame);
+    fetchPart();
+}
+
+/// The attribute makes it a fetch to write; processors that don't know that one do nothing.
+[[gnu::target("prfchw")]] void FrameMemory::fetchPart() {
+    if (free_.empty()) {
+        return;
+    }
+    uint8_t const* const next = free_.front()->data;
+    size_t const end = std::min(byteCount_, fetched_ + byteCount_ / parts + 1);
+    for (; fetched_ < end; fetched_ += lineByteCount) {
+        __builtin_prefetch(next + fetched_, 1);
+    }
+}
+
+}  // namespace playfile_ffmpeg
