@@ -47,7 +47,7 @@ void BundleDecoder::take(Bundle const& bundle) {
 void BundleDecoder::lookAtAll() {
     std::lock_guard const scope(lock_);
     inReach_.clear();
-    for (Decoded const& decoded : decoded_) {
+    for (DecodedSound const& decoded : decoded_) {
         inReach_.push_back(&decoded);
     }
 }
@@ -89,14 +89,14 @@ void BundleDecoder::drain() {
 void BundleDecoder::collect() {
     while (AvPtr<AVFrame> frame = decoder_->receive()) {
         if (isUsable(*frame)) {
-            fresh_.push_back({std::move(frame), 0});
+            fresh_.emplace_back(std::move(frame));
         }
     }
 }
 
 void BundleDecoder::number(int64_t at) {
-    for (Decoded& decoded : fresh_) {
-        decoded.firstSample = at;
+    for (DecodedSound& decoded : fresh_) {
+        decoded.placeAt(at);
         at = decoded.endSample();
     }
 }
@@ -118,8 +118,8 @@ bool BundleDecoder::isUsable(AVFrame const& frame) const {
 /// beginning that was lost.
 void BundleDecoder::place(Bundle::Packet const& packet) {
     int64_t given = 0;
-    for (Decoded const& decoded : fresh_) {
-        given += decoded.frame->nb_samples;
+    for (DecodedSound const& decoded : fresh_) {
+        given += decoded.sampleCount();
     }
     int64_t at = packet.firstSample;
     if (isDelayed_) {
@@ -138,7 +138,7 @@ void BundleDecoder::forgetBefore(int64_t sample) {
     std::lock_guard const scope(lock_);
     inReach_.clear();
     while (!decoded_.empty() && decoded_.front().endSample() <= sample) {
-        forgotten_.push_back(std::move(decoded_.front().frame));
+        forgotten_.push_back(decoded_.front().takeFrame());
         decoded_.pop_front();
     }
 }
@@ -163,13 +163,13 @@ uint8_t* BundleDecoder::writeRun(SampleRun const& run, int channel, uint8_t* to)
     size_t const bytes = form_.bytesPerSample();
     int64_t at = run.decoded;
     int64_t const end = run.decoded + run.count;
-    auto const fill = [&](int64_t until, AVFrame const* frame, int64_t from) {
+    auto const fill = [&](int64_t until, DecodedSound const* decoded) {
         if (until <= at) {
             return;
         }
         auto const count = static_cast<uint32_t>(until - at);
-        if (frame != nullptr && channel < frame->ch_layout.nb_channels) {
-            copyChannel(*frame, channel, from, count, form_.form, to);
+        if (decoded != nullptr && channel < decoded->channels()) {
+            decoded->copyChannel(channel, at, count, form_.form, to);
         } else {
             fillWithSilence(form_.form, count, to);
         }
@@ -177,13 +177,12 @@ uint8_t* BundleDecoder::writeRun(SampleRun const& run, int channel, uint8_t* to)
         at = until;
     };
     for (size_t i = 0; i < inReach_.size() && at < end; ++i) {
-        Decoded const& decoded = *inReach_[i];
-        int64_t const limit = i + 1 < inReach_.size() ? inReach_[i + 1]->firstSample : end;
-        fill(std::min(end, decoded.firstSample), nullptr, 0);
-        fill(std::min({end, decoded.endSample(), std::max(limit, at)}), decoded.frame.get(),
-             at - decoded.firstSample);
+        DecodedSound const& decoded = *inReach_[i];
+        int64_t const limit = i + 1 < inReach_.size() ? inReach_[i + 1]->firstSample() : end;
+        fill(std::min(end, decoded.firstSample()), nullptr);
+        fill(std::min({end, decoded.endSample(), std::max(limit, at)}), &decoded);
     }
-    fill(end, nullptr, 0);
+    fill(end, nullptr);
     return to;
 }
 

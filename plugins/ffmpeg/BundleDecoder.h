@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "plugins/ffmpeg/Bundle.h"
+#include "plugins/ffmpeg/DecodedSound.h"
 #include "plugins/ffmpeg/SoundDecoder.h"
 #include "plugins/ffmpeg/SoundForm.h"
 
@@ -40,12 +41,6 @@ public:
     void write(Bundle const& bundle, int channel, uint8_t* to) const;
 
 private:
-    struct Decoded {
-        AvPtr<AVFrame> frame;
-        int64_t firstSample = 0;
-        int64_t endSample() const { return firstSample + frame->nb_samples; }
-    };
-
     void startAnew(Bundle const& bundle);
     void forgetAll();
     void drain();
@@ -62,18 +57,18 @@ private:
     std::unique_ptr<SoundDecoder> const decoder_;
     SoundForm const form_;
     bool const isDelayed_;
-    std::vector<Decoded> fresh_;  ///< What the packet gave that is being fed.
-    int64_t next_ = 0;            ///< Where the next frame of a decoder that holds back samples stands.
-    bool isAtStart_ = true;       ///< Nothing has come out since the decoder began.
+    std::vector<DecodedSound> fresh_;  ///< What the packet gave that is being fed.
+    int64_t next_ = 0;                 ///< Where the next frame of a decoder that holds back samples stands.
+    bool isAtStart_ = true;            ///< Nothing has come out since the decoder began.
     bool isDrained_ = false;
 
     std::atomic<uint64_t> packetsFed_{0};
 
     std::mutex lock_;                        ///< Of the next two.
-    std::deque<Decoded> decoded_;            ///< In ascending order.
+    std::deque<DecodedSound> decoded_;       ///< In ascending order.
     std::vector<AvPtr<AVFrame>> forgotten_;  ///< For the decoder, which uses them again.
     /// Those of `decoded_` that a bundle may find its samples in: they stay where they are while more come.
-    std::vector<Decoded const*> inReach_;
+    std::vector<DecodedSound const*> inReach_;
 };
 
 }  // namespace playfile_ffmpeg

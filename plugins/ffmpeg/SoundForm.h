@@ -30,9 +30,7 @@ bool isPcm(AVCodecID codec);
 /// as 24 bits again.
 Aud::eSampleFormat formOf(AVSampleFormat decoded, AVCodecID codec, int rawBits);
 
-/// Copies `count` samples of one channel from `from` on out of a decoded frame.
-void copyChannel(AVFrame const& frame, int channel, int64_t from, uint32_t count, Aud::eSampleFormat form,
-                 uint8_t* to);
+/// Samples of one channel.
 void fillWithSilence(Aud::eSampleFormat form, uint32_t count, uint8_t* to);
 
 }  // namespace playfile_ffmpeg

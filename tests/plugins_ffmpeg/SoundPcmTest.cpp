@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <utility>
 
+#include "plugins/ffmpeg/DecodedSound.h"
 #include "plugins/ffmpeg/PcmTrack.h"
 #include "tests/plugins_ffmpeg/SoundParts.h"
 #include "tests/support/TemporaryFolder.h"
@@ -41,10 +43,10 @@ TEST_P(SoundPcmForm, GivesWhatTheDecoderGives) {
     std::string error;
     auto const decoder = SoundDecoder::open(*parameters, error);
     ASSERT_TRUE(decoder->feed(GetParam().stored)) << error;
-    AvPtr<AVFrame> const frame = decoder->receive();
+    AvPtr<AVFrame> frame = decoder->receive();
     ASSERT_TRUE(frame);
     Bytes bytes(GetParam().delivered.size());
-    copyChannel(*frame, 0, 0, 1, GetParam().form, bytes.data());
+    DecodedSound(std::move(frame)).copyChannel(0, 0, 1, GetParam().form, bytes.data());
     EXPECT_EQ(bytes, GetParam().delivered);
 }
 

@@ -161,4 +161,94 @@ TEST_F(LearntRangeTest, AFileThatTurnsOutToBeGroupedMergesFromThenOn) {
     EXPECT_EQ(ask(15), held);
 }
 
+/// Among reads that were taken up each yields its own frames, whatever the others are like.
+class MixedRangesTest : public QueueFixture {
+protected:
+    RequestPtr readUnit(std::uint32_t frame, Ox::Ptr<IndexInfoRep> const& unit) {
+        Wanted wanted;
+        wanted.indexInfo = unit;
+        return read(frame, wanted);
+    }
+    RequestPtr readOf(Ox::Ptr<FileReadInstance> const& other, std::uint32_t frame) {
+        Wanted wanted;
+        wanted.file = other;
+        return read(frame, wanted);
+    }
+
+    /// `read` waits for the worker of the fixture's own file, which must have read something.
+    RequestPtr readFirstOf(Ox::Ptr<FileReadInstance> const& other, std::uint32_t frame) {
+        read(1000);
+        queue.purge();
+        return readOf(other, frame);
+    }
+
+    Ox::Ptr<FileReadInstance> const groupedFile = [] {
+        auto const made = makeVideoFile(std::make_shared<FileScript>());
+        made->metadata->frameGrouped = true;
+        made->metadata->framesPerGroup = 8;
+        return made;
+    }();
+};
+
+TEST_F(MixedRangesTest, AUnitBehindSingleFramesYieldsAllOfItsOwn) {
+    RequestPtr const single = read(3);
+    RequestPtr const unit = readUnit(15, makeUnit(0, 10, 20));
+    EXPECT_EQ(ask(12), unit);
+    EXPECT_EQ(ask(3), single);
+}
+
+TEST_F(MixedRangesTest, ASingleFrameBehindAUnitYieldsOnlyItself) {
+    RequestPtr const unit = readUnit(15, makeUnit(0, 10, 20));
+    RequestPtr const single = read(30);
+    EXPECT_EQ(ask(30), single);
+    EXPECT_NE(ask(31), single);
+}
+
+TEST_F(MixedRangesTest, AGroupedFilesReadYieldsItsGroupBehindThoseOfAnotherFile) {
+    RequestPtr const single = read(3);
+    RequestPtr const grouped = readOf(groupedFile, 13);
+    EXPECT_EQ(ask(8), grouped);
+    EXPECT_EQ(ask(3), single);
+}
+
+TEST_F(MixedRangesTest, AnotherFilesReadYieldsOneFrameBehindAGroup) {
+    RequestPtr const grouped = readFirstOf(groupedFile, 13);
+    RequestPtr const single = read(30);
+    EXPECT_EQ(ask(15), grouped);
+    EXPECT_NE(ask(29), single);
+}
+
+TEST_F(MixedRangesTest, AUnitStillYieldsItsFramesWhenTheReadsBeforeItAreGone) {
+    RequestPtr single = read(3);
+    RequestPtr const unit = readUnit(15, makeUnit(0, 10, 20));
+    single = nullptr;
+    queue.limitUsage();
+    RequestPtr const later = read(40);
+    EXPECT_EQ(ask(12), unit);
+    EXPECT_EQ(ask(40), later);
+}
+
+TEST_F(MixedRangesTest, ReadsAreFoundByTheirFramesWhenSomeBetweenThemAreGone) {
+    std::vector<RequestPtr> held;
+    for (std::uint32_t frame = 0; frame < 9; ++frame) {
+        held.push_back(read(frame));
+    }
+    for (std::size_t const gone : {0U, 3U, 4U, 8U}) {
+        held[gone] = nullptr;
+    }
+    queue.limitUsage();
+    for (std::uint32_t const frame : {1U, 2U, 5U, 6U, 7U}) {
+        EXPECT_EQ(ask(frame), held[frame]) << frame;
+    }
+    EXPECT_EQ(queue.getActiveCount(), 5U);
+}
+
+TEST_F(MixedRangesTest, ReadsAreFoundByTheirFramesWhenAllWereLetGoBefore) {
+    RequestPtr const unit = readUnit(15, makeUnit(0, 10, 20));
+    queue.purge();
+    RequestPtr const single = read(30);
+    EXPECT_EQ(ask(30), single);
+    EXPECT_NE(ask(12), unit);
+}
+
 }  // namespace
