@@ -8,7 +8,6 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <immintrin.h>
 #include <cerrno>
 
 #include "ole/os/ThreadNumber.h"
@@ -18,9 +17,6 @@ namespace {
 constexpr std::uint32_t lockFree = 0;
 constexpr std::uint32_t lockHeld = 1;
 constexpr std::uint32_t lockContended = 2;
-
-/// Some microseconds, in which most holders are done; to sleep and be woken takes longer.
-constexpr int looksBeforeSleep = 40;
 
 /// Puts errno back at the end: to wait for a lock isn't an operation whose failure anybody asks for.
 class KeptErrno {
@@ -44,18 +40,6 @@ void wakeOne(std::atomic<std::uint32_t>& word) noexcept {
     syscall(SYS_futex, &word, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
 }
 
-/// True if the lock became free, and was taken, while this thread looked.
-bool takeSoon(std::atomic<std::uint32_t>& word) noexcept {
-    for (int look = 0; look < looksBeforeSleep; ++look) {
-        std::uint32_t found = word.load(std::memory_order_relaxed);
-        if (found == lockFree && word.compare_exchange_strong(found, lockHeld, std::memory_order_acquire)) {
-            return true;
-        }
-        _mm_pause();
-    }
-    return false;
-}
-
 void takeContended(std::atomic<std::uint32_t>& word) noexcept {
     while (word.exchange(lockContended, std::memory_order_acquire) != lockFree) {
         sleepWhile(word, lockContended);
@@ -72,7 +56,7 @@ void CriticalSection::enter() noexcept {
     }
     LockOrder::aboutToTake(this, rank_, name_);
     std::uint32_t expected = lockFree;
-    if (!state_.compare_exchange_strong(expected, lockHeld, std::memory_order_acquire) && !takeSoon(state_)) {
+    if (!state_.compare_exchange_strong(expected, lockHeld, std::memory_order_acquire)) {
         takeContended(state_);
     }
     owner_.store(self, std::memory_order_relaxed);
