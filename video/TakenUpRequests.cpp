@@ -4,6 +4,7 @@
 #include <utility>
 
 namespace Ox {
+
 void TakenUpRequests::add(Ptr<VideoReadRequest> const& request) {
     bool const isFirst = requests_.empty();
     isPlain_ = (isFirst || (isPlain_ && request->file == requests_.front()->file)) && !request->indexInfo;
