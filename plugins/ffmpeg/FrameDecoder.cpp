@@ -3,10 +3,6 @@
 #include <algorithm>
 #include <new>
 
-extern "C" {
-#include <libavutil/cpu.h>
-}
-
 #include "playfile/Counters.h"
 
 namespace playfile_ffmpeg {
@@ -14,22 +10,9 @@ namespace {
 
 /// A decoder that reports one error after another without taking anything in is given up.
 constexpr int mostErrorsInARow = 64;
-/// Leaves the number of threads to libavcodec.
-constexpr int threadsByChoice = 0;
-/// As many as libavcodec chooses at most.
-constexpr int mostFrameThreads = 16;
-constexpr int64_t mostPixelsForAnotherThread = int64_t{2048} * 1152;
 
 bool can(AVCodec const& codec, int capability) {
     return (codec.capabilities & capability) != 0;
-}
-
-/// With one more than libavcodec's own choice the processors hardly ever wait for the rows that a picture needs of
-/// another. Larger pictures have rows enough, and each thread holds some.
-int frameThreads(AVCodecContext const& context) {
-    bool const isLarge = int64_t{context.width} * context.height > mostPixelsForAnotherThread;
-    int const processors = av_cpu_count();
-    return isLarge || processors == 1 ? threadsByChoice : std::min(processors + 2, mostFrameThreads);
 }
 
 void chooseThreads(AVCodecContext& context, AVCodec const& codec, FrameDecoder::eThreading threading) {
@@ -37,7 +20,7 @@ void chooseThreads(AVCodecContext& context, AVCodec const& codec, FrameDecoder::
         threading == FrameDecoder::eThreading::throughput && can(codec, AV_CODEC_CAP_FRAME_THREADS);
     context.thread_type = byFrame ? FF_THREAD_FRAME : FF_THREAD_SLICE;
     bool const useful = byFrame || can(codec, AV_CODEC_CAP_SLICE_THREADS | AV_CODEC_CAP_OTHER_THREADS);
-    context.thread_count = byFrame ? frameThreads(context) : useful ? threadsByChoice : 1;
+    context.thread_count = useful ? 0 : 1;
 }
 
 /// A want of memory says nothing about a packet.
