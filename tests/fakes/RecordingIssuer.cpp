@@ -3,7 +3,6 @@
 #include <atomic>
 
 #include "gtest/gtest.h"
-#include "tests/fakes/Gate.h"
 
 namespace {
 
@@ -27,9 +26,9 @@ void RecordingIssuer::requestCompleted(Ox::Ptr<iObject>& result, RequestStatus s
     changed_.notify_all();
 }
 
-bool RecordingIssuer::waitForCalls(std::size_t count) {
+bool RecordingIssuer::waitForCalls(std::size_t count, std::chrono::seconds patience) {
     std::unique_lock scope(lock_);
-    return changed_.wait_for(scope, testPatience, [&] { return calls_.size() >= count; });
+    return changed_.wait_for(scope, patience, [&] { return calls_.size() >= count; });
 }
 
 bool RecordingIssuer::waitForCall(unsigned waitMs) {

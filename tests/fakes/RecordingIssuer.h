@@ -1,11 +1,13 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <thread>
 #include <vector>
 
+#include "tests/fakes/Gate.h"
 #include "toolkit/image/ReadRequestIssuer.h"
 
 /// Remembers every call that ends a read, and lets a test wait for them.
@@ -28,8 +30,8 @@ public:
 
     void requestCompleted(Ox::Ptr<iObject>& result, RequestStatus status) override;
 
-    /// False if fewer than `count` calls have come within the test's patience.
-    [[nodiscard]] bool waitForCalls(std::size_t count);
+    /// False if fewer than `count` calls have come within the patience.
+    [[nodiscard]] bool waitForCalls(std::size_t count, std::chrono::seconds patience = testPatience);
     /// False if none has come within `waitMs` milliseconds.
     [[nodiscard]] bool waitForCall(unsigned waitMs);
     [[nodiscard]] std::vector<Call> calls() const;

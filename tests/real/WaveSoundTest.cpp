@@ -14,7 +14,7 @@ namespace test {
 namespace {
 
 constexpr std::uint32_t blockCount = turns(1000);
-constexpr std::uint32_t longestBlock = 5000;
+constexpr std::uint32_t longestBlock = turns(5000);
 constexpr std::uint32_t threadCount = 8;
 
 /// What `ffmpeg` calls a form of samples.
