@@ -1,6 +1,10 @@
 #include "playfile/TraceText.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstdio>
+#include <iterator>
+#include <string_view>
 
 namespace traceText {
 namespace {
@@ -36,18 +40,35 @@ void appendCharacter(std::string& out, std::uint32_t character) {
     }
 }
 
+template <class Number>
+void appendNumber(std::string& out, Number number) {
+    char text[24];
+    out.append(text, std::to_chars(text, std::end(text), number).ptr);
+}
+
+/// With three digits behind the point. Times aren't negative.
 void appendMicroseconds(std::string& out, std::int64_t nanoseconds) {
-    char text[40];
-    std::snprintf(text, sizeof text, "%lld.%03lld",
-                  static_cast<long long>(nanoseconds / nanosecondsPerMicrosecond),
-                  static_cast<long long>(nanoseconds % nanosecondsPerMicrosecond));
-    out += text;
+    appendNumber(out, nanoseconds / nanosecondsPerMicrosecond);
+    out += '.';
+    for (std::int64_t digit = nanosecondsPerMicrosecond / 10; digit != 0; digit /= 10) {
+        out += static_cast<char>('0' + nanoseconds / digit % 10);
+    }
 }
 
 void appendHead(std::string& out, char phase, int process, int thread) {
     out += "{\"ph\":\"";
     out += phase;
-    out += "\",\"pid\":" + std::to_string(process) + ",\"tid\":" + std::to_string(thread);
+    out += "\",\"pid\":";
+    appendNumber(out, process);
+    out += ",\"tid\":";
+    appendNumber(out, thread);
+}
+
+/// True if a text stands in JSON as it is.
+bool isPlain(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char character) {
+        return character >= ' ' && character < 0x7F && character != '"' && character != '\\';
+    });
 }
 
 /// Appends the members of an object, with commas between them.
@@ -70,7 +91,7 @@ private:
 void appendFacts(std::string& out, TraceEvent const& event) {
     Members members(out);
     if (event.request != 0) {
-        members.next("request") += std::to_string(event.request);
+        appendNumber(members.next("request"), event.request);
     }
     for (std::size_t i = 0; i < event.factCount; ++i) {
         TraceEvent::Fact const& fact = event.facts[i];
@@ -78,7 +99,7 @@ void appendFacts(std::string& out, TraceEvent const& event) {
         if (fact.word) {
             appendString(text, fact.word);
         } else {
-            text += std::to_string(fact.value);
+            appendNumber(text, fact.value);
         }
     }
     if (!event.reader.empty()) {
@@ -102,7 +123,9 @@ void appendPhaseMembers(std::string& out, TraceEvent const& event) {
         case TraceEvent::requestBegins:
         case TraceEvent::requestStep:
         case TraceEvent::requestEnds:
-            out += ",\"id\":\"" + std::to_string(event.request) + '"';
+            out += ",\"id\":\"";
+            appendNumber(out, event.request);
+            out += '"';
             break;
     }
 }
@@ -118,7 +141,14 @@ void appendString(std::string& out, LightweightString<wchar_t> const& text) {
 }
 
 void appendString(std::string& out, char const* text) {
-    appendString(out, fromUTF8(text));
+    std::string_view const view(text);
+    if (!isPlain(view)) {
+        appendString(out, fromUTF8(text));
+        return;
+    }
+    out += '"';
+    out += view;
+    out += '"';
 }
 
 void appendEvent(std::string& out, TraceEvent const& event, int process, int thread) {

@@ -23,8 +23,9 @@ constexpr std::int64_t mostFramesAround = 48;
 /// Of the pictures kept for who goes backward, this part lies behind, for a turn; at most so many.
 constexpr std::int64_t turnPart = 12;
 constexpr std::int64_t mostTurnFrames = 8;
-/// Who has gone onward by so many steps isn't looking about.
-constexpr std::uint32_t stepsOfAPlay = 8;
+/// Who has gone onward by so many steps isn't looking about. What is kept until then stays a decoder's
+/// memory, so that eight clips that begin to play at once would take much.
+constexpr std::uint32_t stepsOfAPlay = 3;
 
 std::uint32_t orZero(std::int64_t frame) {
     return static_cast<std::uint32_t>(std::max<std::int64_t>(frame, 0));

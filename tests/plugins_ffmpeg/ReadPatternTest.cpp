@@ -89,10 +89,14 @@ TEST(ReadPattern, KeepsNothingBehindAPlay) {
     EXPECT_EQ(keep.wantedFrom, 119U);
 }
 
-TEST(ReadPattern, KeepsBothSidesOfAFewStepsOnward) {
-    Keep const keep = after({500, 501}).keep(501, room);
+TEST(ReadPattern, KeepsBothSidesOfTwoStepsOnward) {
+    Keep const keep = afterPlay(499, 3).keep(501, room);
     EXPECT_LT(keep.first, 460U);
     EXPECT_GT(keep.last, 540U);
+}
+
+TEST(ReadPattern, TakesThreeStepsOnwardForAPlay) {
+    EXPECT_EQ(afterPlay(498, 4).keep(501, room).first, 501U);
 }
 
 TEST(ReadPattern, KeepsAlmostAllBeforeAFrameThatIsReachedBackward) {

@@ -34,8 +34,8 @@ std::string OpenSound::read(std::uint32_t channel, std::uint64_t first, std::uin
     Ox::Ptr<AudioReadRequest> request;
     OxResult const result = PlayFileCache::Shared()->audioReadRequest(
         request, cookieOf(channel), first, count, levelOriginal, issuer.getProxy(), true);
-    if (result != oxSuccess || request->file->queueReadRequest(request) != 1 || !issuer.waitForCalls(1, patience) ||
-        request->getRequestStatus() != requestComplete) {
+    if (result != oxSuccess || request->file->queueReadRequest(request) != 1 ||
+        !issuer.waitForCalls(1, patience) || request->getRequestStatus() != requestComplete) {
         return {};
     }
     std::uint32_t const wanted =
