@@ -56,6 +56,11 @@ make_h264-open-gop.mp4() { h264 "$1" -g 20 -keyint_min 20 -sc_threshold 0 -bf 3 
 make_h264-one-long-gop.mp4() { h264 "$1" -g 1000 -keyint_min 1000 -sc_threshold 0 -bf 2; }
 make_h264-intra.mov() { h264 "$1" -g 1; }
 make_h264-one-frame.mp4() { h264 "$1" -frames:v 1; }
+# A picture of it takes more than a MiB.
+make_h264-720p.mp4() {
+    stamped 1280x720 25 10 yuv420p
+    run -i "$master" "${x264[@]}" "${exact[@]}" "$1"
+}
 make_h264-full-range-bt601.mp4() {
     h264 "$1" -vf "scale=in_range=limited:out_range=full" -color_range pc -color_primaries smpte170m \
         -color_trc smpte170m -colorspace smpte170m

@@ -104,6 +104,7 @@ PicturePtr DecodeLane::fetchFirst(uint32_t& frame) {
 
 PicturePtr DecodeLane::fetchFirstAlone() {
     restartAt(0);
+    decoder_->expectMore();
     uint32_t const end = index_.endOfFrameAt(0);
     for (uint32_t number = 0; number < end; ++number) {
         if (!reader_.read(number, *packet_)) {
@@ -118,7 +119,8 @@ PicturePtr DecodeLane::fetchFirstAlone() {
     AvPtr<AVFrame> frame = decoder_->receive(number);
     isRunning_ = false;
     lastFetched_ = 0;
-    return frame && number == 0 ? finish(std::move(frame), 0) : nullptr;
+    bool const isWhole = decoder_->errorCount() == errorsAtStart_;
+    return frame && number == 0 && isWhole ? finish(std::move(frame), 0) : nullptr;
 }
 
 /// Whether the decoder stands where reading on brings the frame, whole and no slower than a new start.
@@ -137,9 +139,7 @@ bool DecodeLane::leadsTo(uint32_t wanted) const {
 }
 
 void DecodeLane::restartAt(uint32_t packet) {
-    if (decoder_->sentCount() > 0) {
-        decoder_->reset();
-    }
+    decoder_->reset();
     inDecoder_.clear();
     isRunning_ = true;
     isDropping_ = false;

@@ -30,7 +30,8 @@ public:
     PicturePtr fetchFirst(uint32_t& frame);
 
     /// Frame 0, decoded from its own packets only, which are kept for the walk that follows. Empty if
-    /// they aren't enough; requires that frame 0 begins with packet 0 and that this is a key.
+    /// they aren't enough or are damaged; requires that frame 0 begins with packet 0 and that this is a key.
+    /// A decoder of one picture does for this, and is opened anew when more are wanted.
     PicturePtr fetchFirstAlone();
 
     FrameDecoder const& decoder() const { return *decoder_; }

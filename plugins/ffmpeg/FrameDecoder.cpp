@@ -17,9 +17,10 @@ bool can(AVCodec const& codec, int capability) {
 
 void chooseThreads(AVCodecContext& context, AVCodec const& codec, FrameDecoder::eThreading threading) {
     bool const byFrame =
-        threading == FrameDecoder::eThreading::throughput && can(codec, AV_CODEC_CAP_FRAME_THREADS);
+        threading != FrameDecoder::eThreading::lowLatency && can(codec, AV_CODEC_CAP_FRAME_THREADS);
     context.thread_type = byFrame ? FF_THREAD_FRAME : FF_THREAD_SLICE;
-    bool const useful = byFrame || can(codec, AV_CODEC_CAP_SLICE_THREADS | AV_CODEC_CAP_OTHER_THREADS);
+    bool const useful = byFrame ? threading == FrameDecoder::eThreading::throughput
+                                : can(codec, AV_CODEC_CAP_SLICE_THREADS | AV_CODEC_CAP_OTHER_THREADS);
     context.thread_count = useful ? 0 : 1;
 }
 
@@ -60,6 +61,7 @@ int FrameDecoder::openContext() {
     if (code >= 0) {
         context_ = std::move(context);
         hasEnded_ = false;
+        isOutdated_ = false;
         errorsBeforeOpening_ = errorCount_;
     }
     return code;
@@ -83,9 +85,17 @@ void FrameDecoder::drain() {
     avcodec_send_packet(context_.get(), nullptr);
 }
 
+void FrameDecoder::expectMore() {
+    isOutdated_ = threading_ == eThreading::onePicture && hasFrameThreads(parameters_.codec_id);
+    threading_ = isOutdated_ ? eThreading::throughput : threading_;
+}
+
 void FrameDecoder::reset() {
+    if (sentCount_ == 0 && !isOutdated_) {
+        return;
+    }
     bool const isTainted = errorCount_ > errorsBeforeOpening_;
-    if (!isTainted || openContext() < 0) {
+    if ((!isTainted && !isOutdated_) || openContext() < 0) {
         avcodec_flush_buffers(context_.get());
         hasEnded_ = false;
     }

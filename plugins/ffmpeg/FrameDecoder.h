@@ -18,7 +18,8 @@ class FrameDecoder {
 public:
     enum class eThreading {
         lowLatency,  ///< All threads on one picture, which comes out as soon as the coding allows.
-        throughput   ///< A picture per thread where the codec can; pictures come out later.
+        throughput,  ///< A picture per thread where the codec can; pictures come out later.
+        onePicture   ///< The same with one thread only, as the others would have nothing to do.
     };
 
     /// `parameters` are referred to as long as the decoder lives.
@@ -39,6 +40,9 @@ public:
 
     /// Tells the decoder that nothing follows, so that it gives out what it holds back.
     void drain();
+
+    /// A decoder of one picture is one for throughput from the next reset() on.
+    void expectMore();
 
     /// Forgets everything; the next packet must be a key. After damage the decoder is made anew: what
     /// it took from a damaged packet, parameter sets above all, would outlive a flush.
@@ -62,9 +66,10 @@ private:
 
     AVCodecParameters const& parameters_;
     uint32_t const reorderDepth_;
-    eThreading const threading_;
+    eThreading threading_;
     AvPtr<AVCodecContext> context_;
     bool hasEnded_ = false;
+    bool isOutdated_ = false;  ///< To be opened anew, as `threading_` has changed.
     uint64_t sentCount_ = 0;
     uint64_t decodedCount_ = 0;
     uint64_t errorCount_ = 0;

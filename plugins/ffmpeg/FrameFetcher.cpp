@@ -14,6 +14,10 @@ constexpr uint32_t framesOfARun = 2;
 /// Intra-coded frames of a damaged beginning that are tried for a first picture.
 constexpr uint32_t mostLeadingFrames = 32;
 
+/// Of the first picture of a file that nobody has read yet, to be kept without a decoder: hundreds of clips
+/// may be opened ahead, and what they are opened for is that picture.
+constexpr size_t mostFirstPictureBytes = size_t{1} << 20;
+
 NalFraming framingOf(AVCodecParameters const& parameters) {
     return NalFraming::of(parameters.codec_id,
                           Bytes(parameters.extradata, static_cast<size_t>(parameters.extradata_size)));
@@ -89,10 +93,11 @@ bool FrameFetcher::showFirst(std::string& error) {
     if (index_.isEveryPacketAKey()) {
         return showFirstIntra(error);
     }
-    DecodeLane* lane = linear();
+    bool const beginsWithItsKey = index_.packet(0).isKey && index_.packet(0).frame == 0;
+    DecodeLane* lane = linear(beginsWithItsKey ? FrameDecoder::eThreading::onePicture
+                                               : FrameDecoder::eThreading::throughput);
     uint32_t frame = 0;
     PicturePtr picture;
-    bool const beginsWithItsKey = index_.packet(0).isKey && index_.packet(0).frame == 0;
     if (lane != nullptr && beginsWithItsKey) {
         picture = lane->fetchFirstAlone();
     }
@@ -191,11 +196,10 @@ uint32_t FrameFetcher::keepFrom(uint32_t frame) const {
     return stepsBack ? static_cast<uint32_t>(std::max<int64_t>(0, frame - reach)) : frame;
 }
 
-DecodeLane* FrameFetcher::linear() {
+DecodeLane* FrameFetcher::linear(FrameDecoder::eThreading threading) {
     if (!linear_) {
         std::string error;
-        auto decoder = FrameDecoder::open(*parameters_, index_.reorderDepth(),
-                                          FrameDecoder::eThreading::throughput, error);
+        auto decoder = FrameDecoder::open(*parameters_, index_.reorderDepth(), threading, error);
         if (decoder) {
             linear_ =
                 std::make_unique<DecodeLane>(index_, *reader_, std::move(decoder), framingOf(*parameters_));
@@ -232,7 +236,10 @@ void FrameFetcher::closeDecoders() {
     decodedBefore_ = counters().framesDecoded;
     linear_ = nullptr;
     intra_ = nullptr;
-    store_.clear();
+    bool const isUnread = lastFrame_ < 0;
+    if (!isUnread || store_.largestPicture() > mostFirstPictureBytes) {
+        store_.clear();
+    }
 }
 
 FrameFetcher::Counters FrameFetcher::counters() const {

@@ -60,7 +60,8 @@ public:
     /// Lets go of the pictures beyond these limits, those farthest from the frame that was fetched last.
     void shrinkStore();
 
-    /// Lets go of the decoders with their threads, and of all pictures; they are made anew when needed.
+    /// Lets go of the decoders with their threads, and of all pictures; they are made anew when needed. Before
+    /// the first fetch a first picture of up to 1 MiB stays.
     void closeDecoders();
 
     /// True for a stream of several frames of which most need others to be decoded.
@@ -85,7 +86,7 @@ private:
     PicturePtr decode(uint32_t frame, Keep const& keep);
     PicturePtr decodeAlone(uint32_t frame);
     uint32_t keepFrom(uint32_t frame) const;
-    DecodeLane* linear();
+    DecodeLane* linear(FrameDecoder::eThreading threading = FrameDecoder::eThreading::throughput);
     IntraLane* intra();
     bool isMissing(uint32_t frame) const;
 

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
+#include <iterator>
 #include <thread>
 
 #include "tests/plugins_ffmpeg/Media.h"
@@ -15,6 +17,11 @@ using namespace playfile_ffmpeg;
 
 constexpr std::uint32_t frameCount = 100;
 constexpr char const* oneGroup = "h264-one-long-gop.mp4";
+
+std::size_t threadsOfTheProcess() {
+    auto const tasks = std::filesystem::directory_iterator("/proc/self/task");
+    return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
+}
 
 class StreamDecoderTest : public ::testing::Test {
 protected:
@@ -176,6 +183,30 @@ TEST_F(StreamDecoderTest, CountsOnAfterItWasClosed) {
     std::uint64_t const before = decoder_->counters().framesDecoded;
     EXPECT_TRUE(decoder_->tryClose());
     EXPECT_EQ(decoder_->counters().framesDecoded, before);
+}
+
+TEST_F(StreamDecoderTest, StartsNoThreadToShowTheFirstFrame) {
+    std::size_t const before = threadsOfTheProcess();
+    std::shared_ptr<StreamDecoder> const another = open(oneGroup);
+    EXPECT_EQ(threadsOfTheProcess(), before);
+}
+
+TEST_F(StreamDecoderTest, NeedsNoDecoderForAFirstFrameThatNobodyHadReadWhenItWasClosed) {
+    EXPECT_TRUE(decoder_->tryClose());
+    EXPECT_EQ(during([this] { EXPECT_EQ(fetch(0), 0); }).framesDecoded, 0U);
+}
+
+TEST_F(StreamDecoderTest, LetsGoOfAFirstPictureThatWasReadWhenItIsClosed) {
+    static_cast<void>(fetch(0));
+    EXPECT_TRUE(decoder_->tryClose());
+    EXPECT_EQ(decoder_->storedCount(), 0U);
+}
+
+TEST_F(StreamDecoderTest, LetsGoOfALargeFirstPictureWhenItIsClosed) {
+    std::shared_ptr<StreamDecoder> const large = open("h264-720p.mp4");
+    EXPECT_EQ(large->storedCount(), 1U);
+    EXPECT_TRUE(large->tryClose());
+    EXPECT_EQ(large->storedCount(), 0U);
 }
 
 TEST_F(StreamDecoderTest, IsNotClosedWhileItDecodes) {
