@@ -47,6 +47,18 @@ ClipFacts factsOf(Options const& options, std::string const& path) {
     }));
 }
 
+/// Runs both sides, each first in every other round: a machine that slows down under load meets both.
+template <class First, class Second>
+void inTurn(unsigned round, First const& first, Second const& second) {
+    if (round % 2 == 0) {
+        first();
+        second();
+    } else {
+        second();
+        first();
+    }
+}
+
 CaseResult measureCase(Options const& options, ClipResult const& clip, eCase which) {
     CaseResult result;
     result.which = which;
@@ -54,11 +66,16 @@ CaseResult measureCase(Options const& options, ClipResult const& clip, eCase whi
     auto const frames = framesOf(which, clip.facts.frameCount, count, options.seed);
     result.spannedFrames =
         spannedFrames(frames, clip.facts.framesPerKey) * static_cast<std::uint32_t>(placesOf(which));
-    for (unsigned round = 0; round < options.rounds; ++round) {
+    auto const measureLibrary = [&] {
         result.library.push_back(runInChild(std::function<Sample()>(
             [&] { return runLibrary(clip.path, options.pluginFolder, which, frames); })));
+    };
+    auto const measurePlain = [&] {
         result.plain.push_back(
             runInChild(std::function<Sample()>([&] { return runPlain(clip.path, which, frames); })));
+    };
+    for (unsigned round = 0; round < options.rounds; ++round) {
+        inTurn(round, measureLibrary, measurePlain);
     }
     return result;
 }
