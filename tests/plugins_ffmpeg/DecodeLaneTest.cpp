@@ -11,18 +11,21 @@ namespace {
 
 using namespace playfile_ffmpeg;
 
-/// Notes the numbers of the packets that are read.
+/// Notes the numbers of the packets that are read, and damages them if it is told to.
 class RecordingPacketReader : public PacketReader {
 public:
     RecordingPacketReader(std::shared_ptr<ByteFile const> file, FrameIndex const& index)
         : reader_(std::move(file), index) {}
 
     std::vector<uint32_t> numbers;
+    bool cutsInHalf = false;
 
 private:
     bool readPacket(uint32_t number, AVPacket& packet) override {
         numbers.push_back(number);
-        return reader_.read(number, packet);
+        bool const isRead = reader_.read(number, packet);
+        av_shrink_packet(&packet, cutsInHalf ? packet.size / 2 : packet.size);
+        return isRead;
     }
 
     DirectPacketReader reader_;
@@ -32,7 +35,8 @@ class DecodeLaneTest : public ::testing::Test {
 protected:
     /// Makes a lane for a clip whose packets lie in the file as they are. `falseKeys`: packets that are
     /// marked as keys though they aren't.
-    void open(std::string const& name, std::vector<uint32_t> const& falseKeys = {}) {
+    void open(std::string const& name, std::vector<uint32_t> const& falseKeys = {},
+              FrameDecoder::eThreading threading = FrameDecoder::eThreading::throughput) {
         std::string error;
         ASSERT_TRUE(file_->open(medium(name), error) && container_.open(medium(name), error)) << error;
         BuiltIndex built = buildIndex(container_, *file_);
@@ -42,8 +46,7 @@ protected:
         }
         AVCodecParameters const& parameters = container_.videoParameters();
         index_ = FrameIndex(numberFrames(built.packets, parameters.codec_id, built.timesAreTrue));
-        auto decoder = FrameDecoder::open(parameters, index_.reorderDepth(),
-                                          FrameDecoder::eThreading::throughput, error);
+        auto decoder = FrameDecoder::open(parameters, index_.reorderDepth(), threading, error);
         ASSERT_TRUE(decoder) << error;
         lane_ = std::make_unique<DecodeLane>(
             index_, reader_, std::move(decoder),
@@ -162,6 +165,12 @@ TEST_F(DecodeLaneTest, GivesTheFirstFrameOfItsOwnPacketsAlone) {
     open(shortGroups);
     EXPECT_EQ(numberOn(lane_->fetchFirstAlone().get()), 0);
     EXPECT_EQ(reader_.numbers, (std::vector<uint32_t>{0}));
+}
+
+TEST_F(DecodeLaneTest, GivesNoFirstFrameAloneThatIsDamaged) {
+    open(shortGroups, {}, FrameDecoder::eThreading::onePicture);
+    reader_.cutsInHalf = true;
+    EXPECT_FALSE(lane_->fetchFirstAlone());
 }
 
 TEST_F(DecodeLaneTest, ReadsThePacketsOfTheFirstFrameNoSecondTime) {

@@ -191,6 +191,12 @@ TEST_F(StreamDecoderTest, StartsNoThreadToShowTheFirstFrame) {
     EXPECT_EQ(threadsOfTheProcess(), before);
 }
 
+TEST_F(StreamDecoderTest, StartsItsThreadsForTheSecondFrame) {
+    std::size_t const before = threadsOfTheProcess();
+    static_cast<void>(fetch(1));
+    EXPECT_EQ(threadsOfTheProcess() > before, std::thread::hardware_concurrency() > 1);
+}
+
 TEST_F(StreamDecoderTest, NeedsNoDecoderForAFirstFrameThatNobodyHadReadWhenItWasClosed) {
     EXPECT_TRUE(decoder_->tryClose());
     EXPECT_EQ(during([this] { EXPECT_EQ(fetch(0), 0); }).framesDecoded, 0U);
