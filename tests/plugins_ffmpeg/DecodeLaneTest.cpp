@@ -26,8 +26,10 @@ private:
     bool readPacket(uint32_t number, AVPacket& packet) override {
         numbers.push_back(number);
         bool const isRead = reader_.read(number, packet);
-        int const whole = spoilsHalf ? packet.size / 2 : packet.size;
-        std::memset(packet.data + whole, 0x55, static_cast<size_t>(packet.size - whole));
+        if (isRead && spoilsHalf) {
+            int const whole = packet.size / 2;
+            std::memset(packet.data + whole, 0x55, static_cast<size_t>(packet.size - whole));
+        }
         return isRead;
     }
 

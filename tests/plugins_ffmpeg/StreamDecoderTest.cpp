@@ -188,7 +188,7 @@ TEST_F(StreamDecoderTest, CountsOnAfterItWasClosed) {
 TEST_F(StreamDecoderTest, StartsNoThreadToShowTheFirstFrame) {
     std::size_t const before = threadsOfTheProcess();
     std::shared_ptr<StreamDecoder> const another = open(oneGroup);
-    EXPECT_EQ(threadsOfTheProcess(), before);
+    EXPECT_LE(threadsOfTheProcess(), before);
 }
 
 TEST_F(StreamDecoderTest, StartsItsThreadsForTheSecondFrame) {
