@@ -29,6 +29,7 @@ constexpr char const* settingName = "PLAYFILE_TRACE";
 constexpr char const* processName = "playfile";
 /// The longest that an event waits to be written while others come.
 constexpr std::int64_t mostUnwrittenNs = 200'000'000;
+constexpr int openMode = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC;
 constexpr mode_t fileMode = 0644;
 
 /// The name that the environment states, with the process's number in it; empty for none.
@@ -63,13 +64,17 @@ public:
         return *writer;
     }
 
-    /// Opens the file that the environment names; true if events are wanted from now on.
+    /// Opens the file that the environment names; true if events are wanted from now on. Who asks meanwhile
+    /// waits for the answer: its events aren't lost.
     bool begin() {
+        if (!claim()) {
+            return false;
+        }
         std::string failure;
         {
             std::scoped_lock const scope(lock_);
             if (PlayFileTrace::state_.load() == PlayFileTrace::unasked) {
-                failure = open(statedName());
+                failure = openOrStop();
             }
         }
         if (!failure.empty()) {
@@ -116,17 +121,33 @@ public:
     }
 
 private:
+    /// False in a process that was forked off while its parent was beginning: nobody would open the lock.
+    bool claim() {
+        int owner = 0;
+        bool const isOurs = process_.compare_exchange_strong(owner, getpid()) || owner == getpid();
+        if (!isOurs) {
+            PlayFileTrace::state_.store(PlayFileTrace::off);
+        }
+        return isOurs;
+    }
+
+    std::string openOrStop() {
+        try {
+            return open(statedName());
+        } catch (...) {
+            PlayFileTrace::state_.store(PlayFileTrace::off);
+            throw;
+        }
+    }
+
     std::string open(std::string const& name) {
-        PlayFileTrace::state_.store(PlayFileTrace::off);
-        if (name.empty()) {
-            return {};
-        }
         name_ = name;
-        file_ = ::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, fileMode);
+        file_ = name.empty() ? -1 : ::open(name.c_str(), openMode, fileMode);
         if (file_ < 0) {
-            return complaint();
+            std::string const failure = name.empty() ? "" : complaint();
+            PlayFileTrace::state_.store(PlayFileTrace::off);
+            return failure;
         }
-        process_ = getpid();
         text_ = "[\n";
         traceText::appendName(text_, "process_name", processName, process_, process_);
         PlayFileTrace::state_.store(PlayFileTrace::on);

@@ -2,14 +2,21 @@
 
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
+#include <atomic>
 #include <filesystem>
+#include <fstream>
 #include <map>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "tests/fakes/LogRecorder.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/ThreadState.h"
 #include "tests/support/TraceFile.h"
 
 namespace {
@@ -137,6 +144,32 @@ TEST_F(TraceTest, AForkedProcessLeavesItsParentsFileAlone) {
     EXPECT_EQ(child.waitForEnd().output, "child: 0\n");
     EXPECT_EQ(named("of the parent").size(), 10U);
     EXPECT_EQ(named("of the child").size(), 0U);
+}
+
+/// Its file is a pipe, so that opening it takes until the test reads.
+class SlowTraceTest : public ::testing::Test, protected TraceFile {
+protected:
+    SlowTraceTest() { mkfifo(folder.file("trace.json").c_str(), 0600); }
+};
+
+TEST_F(SlowTraceTest, WhoAsksWhileAnotherBeginsItWaitsForTheAnswer) {
+    std::array<std::atomic<int>, 2> threads{};
+    std::array<bool, 2> isOn{};
+    std::ifstream reader;
+    {
+        std::vector<std::jthread> asking;
+        for (std::size_t i = 0; i < threads.size(); ++i) {
+            asking.emplace_back([&, i] {
+                threads[i] = gettid();
+                isOn[i] = PlayFileTrace::isOn();
+            });
+            test::waitForSleep(threads[i]);
+        }
+        reader.open(folder.file("trace.json"));
+    }
+    PlayFileTrace::finish();
+    EXPECT_TRUE(isOn[0]);
+    EXPECT_TRUE(isOn[1]);
 }
 
 class NumberedTraceTest : public ::testing::Test, protected TraceFile {
