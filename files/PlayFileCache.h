@@ -27,7 +27,7 @@ class FileWriteInstance;
 /// Threads    Any thread may call any operation. Readers open outside `cacheLock_`, one at a time for
 ///            one file name, in parallel for different ones.
 /// Lock order `cacheLock_`, then that of the shared cache, then a queue's or pool's lock, then the guard
-///            of the access queue. `cacheLock_` is never held while a file is waited for.
+///            of the access queue. `cacheLock_` isn't held while a file is opened, nor when one is evicted.
 /// Errors     Empty pointers and log lines. An exception that leaves a reader where it must not throw
 ///            passes through `open`.
 /// Deliberate After such an exception the file's name stays held and its quarantine mark set.

@@ -66,24 +66,26 @@ Ox::Ptr<FileReadInstance> PlayFileCache::remove(Cookie const& cookie, DecodeForm
     auto const found = openFiles_.find(key);
     if (found != openFiles_.end()) {
         found->second->purge();
-        openFiles_.erase(found);
+        auto const removed = openFiles_.extract(found);
         noteOpenCount();
     }
     failedOpens_.erase(key);
     return {};
 }
 
+/// A file's end may remove others, so the search begins anew after each.
 void PlayFileCache::remove(LightweightString<wchar_t> const& filename) {
     ScopedLock const scope(cacheLock_);
-    for (auto entry = openFiles_.begin(); entry != openFiles_.end();) {
-        if (entry->second->filename == filename) {
-            entry->second->purge();
-            entry = openFiles_.erase(entry);
-        } else {
-            ++entry;
+    auto const isIt = [&](FileMap::value_type const& entry) { return entry.second->filename == filename; };
+    for (;;) {
+        auto const found = std::find_if(openFiles_.begin(), openFiles_.end(), isIt);
+        if (found == openFiles_.end()) {
+            return;
         }
+        found->second->purge();
+        auto const removed = openFiles_.extract(found);
+        noteOpenCount();
     }
-    noteOpenCount();
 }
 
 /// The lock is held across the edit and all that is removed, so that nobody opens one of its files between.

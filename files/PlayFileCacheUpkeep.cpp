@@ -93,7 +93,8 @@ void PlayFileCache::closeAll() {
     for (auto const& [key, file] : openFiles_) {
         file->purge();
     }
-    openFiles_.clear();
+    FileMap closed;
+    closed.swap(openFiles_);
     noteOpenCount();
 }
 

@@ -3,8 +3,8 @@
 /// Finding out what a file is and choosing who reads it are two passes. In the first, the first reader
 /// that can open the file at all makes a probe, whose metadata describes the file. In the second, every
 /// reader is asked, with that metadata in hand, whether it can serve the medium. So a reader that only
-/// decodes can borrow the metadata of one that only parses. `best` is the index of the reader that is
-/// good enough so far; the pass ends when it comes to it.
+/// decodes can borrow the metadata of one that only parses. `best` is the reader that is good enough so far;
+/// the pass ends when it comes to it.
 #include "files/PlayUtil.h"
 
 #include "ole/os/OS.h"

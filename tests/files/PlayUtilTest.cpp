@@ -1,37 +1,12 @@
-/// The choice of a reader.
-#include "files/PlayUtil.h"
-
+/// The choice of a reader: who finds out what a file is, and what is told of it.
 #include <stdexcept>
-#include <string>
-#include <vector>
 
-#include "tests/fakes/CacheFixture.h"
+#include "tests/files/PlayUtilFixture.h"
 #include "toolkit/services/TimedTask.h"
 
 namespace {
 
-/// Up to three readers, of which a test says what they can do.
-class PlayUtilTest : public CacheFixture {
-protected:
-    Ox::Ptr<FileReadInstance> open(OpenType type = OpenType::video, unsigned streamIndex = 0) {
-        return PlayUtil::openRead(wide("/m/x.mov"), DecodeFormat(levelOriginal), type, streamIndex);
-    }
-    /// The calls to readers without the name that all share.
-    CallLog::Lines readerCalls() {
-        CallLog::Lines found;
-        for (std::string const& line : calls->with("/m/x.mov ")) {
-            if (line.substr(1, 1) == ".") {
-                found.push_back(line.substr(0, line.find(' ')));
-            }
-        }
-        return found;
-    }
-    CallLog::Lines logged() { return calls->with("log "); }
-    static void knowNothing(PlayFileMetadataRep& metadata) {
-        metadata.videoInfoCount = 0;
-        metadata.audioInfoCount = 0;
-    }
-};
+class PlayUtilTest : public PlayUtilFixture {};
 
 TEST_F(PlayUtilTest, FailsWithAnEmptyRegistry) {
     EXPECT_FALSE(open());
@@ -170,142 +145,8 @@ TEST_F(PlayUtilTest, DropsTheInstanceWhenNoReaderServesTheType) {
     EXPECT_EQ(reader->aliveCount(), 0U);
 }
 
-/// Reader A can't open files itself but serves them once B, or C, has found out what they are.
-class SecondPassTest : public PlayUtilTest {
-protected:
-    SecondPassTest() {
-        first->canOpenFiles = false;
-        second->describe = [](PlayFileMetadataRep& metadata) { metadata.originCode = 77; };
-    }
-    Ox::Ptr<ScriptedReader> first = addReader("A");
-    Ox::Ptr<ScriptedReader> second = addReader("B");
-};
-
-TEST_F(SecondPassTest, ReopensWithAnEarlierReaderThatBorrowsTheMetadata) {
-    first->describe = knowNothing;
-    Ox::Ptr<FileReadInstance> const file = open();
-    EXPECT_EQ(readerCalls(), (CallLog::Lines{"A.canOpen", "B.canOpen", "B.openFile", "B.getReadableTypes",
-                                             "A.getReadableTypes", "A.openFile"}));
-    EXPECT_EQ(logged(), (CallLog::Lines{"log reopen \"/m/x.mov\" with A for video\n",
-                                        "log Open   \"/m/x.mov\" with A for video\n"}));
-    EXPECT_EQ(calls->count("updateMetadataFrom"), 1U);
-    EXPECT_EQ(file->metadata->originCode, 77);
-    EXPECT_EQ(first->aliveCount(), 1U);
-    EXPECT_EQ(second->aliveCount(), 0U);
-}
-
-TEST_F(SecondPassTest, KeepsTheProbeBeforeAnEarlierReaderThatKnowsTheFileItself) {
-    Ox::Ptr<FileReadInstance> const file = open();
-    EXPECT_EQ(logged(), (CallLog::Lines{"log reopen \"/m/x.mov\" with A for video\n",
-                                        "log Open   \"/m/x.mov\" with B for video\n"}));
-    EXPECT_EQ(first->aliveCount(), 0U);
-    EXPECT_EQ(second->aliveCount(), 1U);
-    EXPECT_EQ(calls->count("updateMetadataFrom"), 0U);
-}
-
-TEST_F(SecondPassTest, BorrowsForTheMediumThatIsWanted) {
-    first->describe = [](PlayFileMetadataRep& metadata) { metadata.audioInfoCount = 0; };
-    Ox::Ptr<FileReadInstance> const video = open(OpenType::video);
-    EXPECT_EQ(logged().back(), "log Open   \"/m/x.mov\" with B for video\n");
-    Ox::Ptr<FileReadInstance> const audio = open(OpenType::audio);
-    EXPECT_EQ(logged().back(), "log Open   \"/m/x.mov\" with A for audio\n");
-}
-
-TEST_F(SecondPassTest, NeverBorrowsForBothMediaAtOnce) {
-    first->describe = knowNothing;
-    Ox::Ptr<FileReadInstance> const file = open(OpenType::both);
-    EXPECT_EQ(logged(), (CallLog::Lines{"log reopen \"/m/x.mov\" with A for video and audio\n",
-                                        "log Open   \"/m/x.mov\" with B for video and audio\n"}));
-}
-
-TEST_F(SecondPassTest, WantsAllBitsOfTheType) {
-    first->readableTypes = OpenType::video;
-    second->readableTypes = OpenType::audio;
-    EXPECT_FALSE(open(OpenType::both));
-    EXPECT_EQ(logged(), CallLog::Lines{"log PlayUtil::openRead() : Failed to open \"/m/x.mov\" for video "
-                                       "and audio\n"});
-}
-
-TEST_F(SecondPassTest, TakesALaterReaderWhenTheProbeDoesNotServeTheType) {
-    second->readableTypes = 0;
-    auto const third = addReader("C");
-    first->readableTypes = 0;
-    Ox::Ptr<FileReadInstance> const file = open();
-    EXPECT_EQ(logged(), (CallLog::Lines{"log reopen \"/m/x.mov\" with C for video\n",
-                                        "log Open   \"/m/x.mov\" with C for video\n"}));
-    EXPECT_EQ(third->aliveCount(), 1U);
-    EXPECT_EQ(second->aliveCount(), 0U);
-    EXPECT_EQ(file->readableTypes, 3U);
-}
-
-TEST_F(SecondPassTest, StillOpensLaterReadersAfterAnEarlierOneThatDoesNotBorrow) {
-    second->readableTypes = 0;
-    auto const third = addReader("C");
-    Ox::Ptr<FileReadInstance> const file = open();
-    EXPECT_EQ(logged(), (CallLog::Lines{"log reopen \"/m/x.mov\" with A for video\n",
-                                        "log reopen \"/m/x.mov\" with C for video\n",
-                                        "log Open   \"/m/x.mov\" with A for video\n"}));
-    EXPECT_EQ(third->aliveCount(), 0U);
-    EXPECT_EQ(first->aliveCount(), 1U);
-}
-
-TEST_F(SecondPassTest, ReplacesAReaderThatDoesNotBorrowByALaterOneThatDoes) {
-    second->readableTypes = 0;
-    auto const third = addReader("C");
-    third->describe = knowNothing;
-    Ox::Ptr<FileReadInstance> const file = open();
-    EXPECT_EQ(logged().back(), "log Open   \"/m/x.mov\" with C for video\n");
-    EXPECT_EQ(first->aliveCount(), 0U);
-    EXPECT_EQ(third->aliveCount(), 1U);
-    EXPECT_EQ(file->metadata->originCode, 77) << "what the probe had found";
-}
-
-TEST_F(SecondPassTest, EndsThePassWithAReaderThatBorrows) {
-    second->readableTypes = 0;
-    auto const third = addReader("C");
-    first->describe = knowNothing;
-    Ox::Ptr<FileReadInstance> const file = open();
-    EXPECT_EQ(third->openCount(), 0U);
-    EXPECT_EQ(calls->count("C.getReadableTypes"), 0U);
-}
-
-TEST_F(SecondPassTest, GoesOnAfterAReopenThatFails) {
-    first->describe = knowNothing;
-    first->opens = [](auto const&) { return false; };
-    Ox::Ptr<FileReadInstance> const file = open();
-    EXPECT_EQ(logged(), (CallLog::Lines{"log reopen \"/m/x.mov\" with A for video\n",
-                                        "log Open   \"/m/x.mov\" with B for video\n"}));
-}
-
-TEST_F(SecondPassTest, AsksReadersWithTheMetadataOfWhatIsOpenSoFar) {
-    std::int64_t seen = 0;
-    first->onReadableTypes = [&](PlayFileMetadataRep const& metadata, auto const&) {
-        seen = metadata.originCode;
-        return 0U;
-    };
-    Ox::Ptr<FileReadInstance> const file = open();
-    EXPECT_EQ(seen, 77);
-}
-
-TEST_F(SecondPassTest, SetsTheMaskOfAReopenedFile) {
-    first->describe = knowNothing;
-    first->readableTypes = 5;
-    EXPECT_EQ(open()->readableTypes, 5U);
-}
-
-TEST_F(SecondPassTest, AsksForTheCountAnew) {
-    Ox::Ptr<ScriptedReader> added;
-    first->readableTypes = 0;
-    second->opens = [&](auto const&) {
-        added = added ? added : addReader("C");
-        return false;
-    };
-    EXPECT_TRUE(open());
-    EXPECT_EQ(logged().back(), "log Open   \"/m/x.mov\" with C for video\n");
-}
-
 /// Which audio stream readers are asked about.
-class StreamIndexTest : public PlayUtilTest {
+class StreamIndexTest : public PlayUtilFixture {
 protected:
     std::uint32_t channelsAskedFor(unsigned streamIndex) {
         auto const reader = addReader("A");
