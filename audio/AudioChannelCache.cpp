@@ -1,6 +1,14 @@
 #include "audio/AudioChannelCache.h"
 
 #include <algorithm>
+#include <limits>
+
+namespace {
+
+/// A buffer's bytes are a 32-bit number: no buffer holds a sample so far on.
+constexpr std::uint64_t mostSkipped = std::numeric_limits<std::uint32_t>::max();
+
+}  // namespace
 
 bool AudioChannelCache::contains(AudioRequest& request) {
     ScopedLock const scope(lock_);
@@ -49,7 +57,7 @@ Aud::StreamBuffer AudioChannelCache::getResult(AudioRequest& request, unsigned i
     std::uint64_t const skip = request.startSample - entry.startSample;
     std::uint64_t const used = buffer.getUsed();
     std::uint64_t const skipBytes =
-        skip > entry.numSamples ? used : std::min<std::uint64_t>(used, skip * bytesPerSample);
+        skip > mostSkipped ? used : std::min<std::uint64_t>(used, skip * bytesPerSample);
     auto const view = Ox::makePtr<MemRef>(buffer.getHolder(), static_cast<std::uint32_t>(skipBytes),
                                           static_cast<std::uint32_t>(used - skipBytes));
     std::uint32_t const samples = buffer.getSampleCount();

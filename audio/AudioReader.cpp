@@ -31,6 +31,10 @@ std::uint32_t getNumStreamsToPlay() {
 
 AudioReader::AudioReader(std::vector<Aud::Metadata>& audioStreams) : streams(audioStreams) {}
 
+bool AudioReader::isMuted(std::uint32_t stream) {
+    return stream >= getNumStreamsToPlay();
+}
+
 void AudioReader::readAudio(Ptr<AudioReadRequest>& request) {
     ScopedLock const scope(lock_);
     OxResult const result = fetchWithinMemory(request);
@@ -55,11 +59,11 @@ OxResult AudioReader::fetchWithinMemory(Ptr<AudioReadRequest>& request) {
 }
 
 OxResult AudioReader::fetch(Ptr<AudioReadRequest>& request) {
-    std::uint32_t const streamsToPlay = getNumStreamsToPlay();
+    bool const isSilent = isMuted(request->stream);
     if (request->stream >= streams.size()) {
         return oxFailure;
     }
-    if (request->stream >= streamsToPlay) {
+    if (isSilent) {
         serveSilence(*request);
         return oxSuccess;
     }

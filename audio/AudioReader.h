@@ -89,6 +89,9 @@ public:
                                       unsigned int& decoded);
 
 protected:
+    /// True for a stream that is served silence, whatever the file holds.
+    [[nodiscard]] static bool isMuted(std::uint32_t stream);
+
     ~AudioReader() = default;
 
     std::vector<Aud::Metadata>& streams;

@@ -16,6 +16,14 @@ std::uint64_t bytesOf(std::uint32_t mebibytes) {
     return std::uint64_t{mebibytes} << 20;
 }
 
+/// As a stream that isn't there fails.
+void failAudio(Ox::Ptr<AudioReadRequest> const& request) {
+    request->setRequestStatus(requestFailed);
+    LogBoth("** disk read error 0x%x\n", oxFailure);
+    Ox::Ptr<iObject> self(request);
+    request->doCallbacks(self);
+}
+
 }  // namespace
 
 Ox::Ptr<FFmpegReader> FFmpegReader::open(LightweightString<wchar_t> const& name, DecodeFormat const& format,
@@ -98,6 +106,8 @@ void FFmpegReader::logFailure(std::uint32_t frame, std::exception const& excepti
 void FFmpegReader::readAudio(Ox::Ptr<AudioReadRequest>& request) {
     if (sound_) {
         sound_->readAudio(request);
+    } else {
+        failAudio(request);
     }
 }
 

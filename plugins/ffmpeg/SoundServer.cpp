@@ -57,11 +57,11 @@ void SoundServer::readAudio(Ox::Ptr<AudioReadRequest>& request) {
 }
 
 bool SoundServer::isBehindEnd(AudioReadRequest const& request) const {
-    if (request.stream >= file_->tracks().size()) {
+    if (isMuted(request.stream) || codecs.count(static_cast<int>(request.stream)) == 0) {
         return false;
     }
     SoundTrack const& track = file_->tracks()[request.stream];
-    return track.coded && request.startSample >= static_cast<std::uint64_t>(track.sampleCount());
+    return request.startSample >= static_cast<std::uint64_t>(track.sampleCount());
 }
 
 /// Such a read resets the decoder before it asks for a frame.
@@ -168,7 +168,7 @@ OxResult SoundServer::readBundle(unsigned int stream, std::uint64_t frame, ByteB
     if (isWanted && !wanted_.isSettled) {
         settle(*reading_, track);
     }
-    if (isWanted && !wanted_.decodesAhead && first >= wanted_.endSample) {
+    if (isWanted && !wanted_.decodesAhead && frame > wanted_.firstFrame && first >= wanted_.endSample) {
         return oxEndOfData;
     }
     std::uint64_t const end = endOf(stream, frame);

@@ -20,7 +20,7 @@ namespace playfile_ffmpeg {
 ///
 /// Threads    As `Ox::AudioReader`. Each coded stream that is read in order has a thread that feeds its decoder.
 /// Errors     A stream without a decoder fails its reads. A read that begins behind the end of a stream
-///            that is shorter than the file is complete and empty.
+///            that is shorter than the file is complete and empty; of one that isn't played it is silence.
 /// Deliberate The frame that ends a read is longer than the others if the request's samples go on behind
 ///            it (where a read begins inside a frame, the samples that it asks for end behind as many whole
 ///            frames as it counts), and if the read decodes ahead.

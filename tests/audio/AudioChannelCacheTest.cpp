@@ -38,6 +38,12 @@ protected:
         list.format = 7;
         return list;
     }
+    /// One of 8192 bytes in each channel, whose list says another number of samples.
+    static Aud::StreamBufferList makeReadThatSays(std::uint32_t samples) {
+        Aud::StreamBufferList list = makeRead(4096);
+        list.sampleCount = samples;
+        return list;
+    }
     static AudioRequest request(std::uint64_t start, std::uint32_t count, std::uint32_t channel = 0,
                                 std::uint32_t stream = 0) {
         return {stream, channel, channel, start, count};
@@ -49,6 +55,14 @@ protected:
     Aud::StreamBuffer get(std::uint64_t start, std::uint32_t channel = 0, std::uint32_t stream = 0) {
         AudioRequest wanted = request(start, 1, channel, stream);
         return cache.getResult(wanted, bytesPerSample);
+    }
+
+    /// The bytes at 2000 of a read of 8192 bytes in each channel that begins at 1000.
+    void expectTheBytesFrom2000On(Aud::StreamBufferList const& list) {
+        cache.addBuffers(0, 1000, list);
+        Aud::StreamBuffer const result = get(2000);
+        EXPECT_EQ(result.getBuffer(), static_cast<std::uint8_t*>(list[0].getBuffer()) + 2000);
+        EXPECT_EQ(result.getUsed(), 6192U);
     }
 
     Cache cache;
@@ -139,6 +153,14 @@ TEST_F(AudioChannelCacheTest, CutsByTheUsedBytesAndNotByTheCapacity) {
     cache.addBuffers(0, 0, list);
     EXPECT_EQ(get(10).getUsed(), 100U);
     EXPECT_EQ(get(10).getSampleCount(), 90U);
+}
+
+TEST_F(AudioChannelCacheTest, CutsByTheBytesWhereTheListSaysFewerSamplesThanItHolds) {
+    expectTheBytesFrom2000On(makeReadThatSays(500));
+}
+
+TEST_F(AudioChannelCacheTest, CutsByTheBytesWhereTheListSaysNoSamples) {
+    expectTheBytesFrom2000On(makeReadThatSays(0));
 }
 
 TEST_F(AudioChannelCacheTest, GivesAnEmptyBufferForAChannelThatIsNotThere) {

@@ -195,6 +195,14 @@ TEST_F(AudioCodecChoiceTest, GivesUpWithOneWhenAFrameCannotBeRead) {
     }
 }
 
+TEST_F(AudioCodecChoiceTest, TriesTheNextWhenAFrameCannotBeRead) {
+    script->packetCount = 1;
+    addTried({0});
+    addTried({5});
+    EXPECT_EQ(init(), accepted);
+    EXPECT_EQ(script->reads(), (Reads{{0, 0, 1}, {0, 1, 1}, {0, 0, 1}}));
+}
+
 TEST_F(AudioCodecChoiceTest, AnswersWhatTheLastThatWasTriedSaid) {
     addTried({7});
     addTried({0, 0, 0, 0});

@@ -79,6 +79,15 @@ TEST_F(EqualStartTest, GoByTheirChannelsOverTheStreams) {
     EXPECT_EQ(servedOrder(), (std::vector<std::size_t>{3, 1, 2, 0}));
 }
 
+/// A stream of one channel in third place has a lower key than one of six in second.
+TEST_F(EqualStartTest, MayGoToALaterStreamFirst) {
+    file = Ox::makePtr<ScriptedSound>("sound", OpenType::audio, script,
+                                      std::vector{soundFormat(2), soundFormat(6), soundFormat(1)});
+    add({.stream = 1, .channel = 0});
+    add({.stream = 2, .channel = 0});
+    EXPECT_EQ(servedOrder(), (std::vector<std::size_t>{1, 0}));
+}
+
 TEST_F(EqualStartTest, GoInOrderOfArrivalWithinAChannelAndAreAllServed) {
     add({.channel = 1, .count = 10});
     add({.channel = 0, .count = 20});
@@ -136,6 +145,15 @@ TEST_F(AudioReadQueueTest, NeitherReadsNorTellsWhenTheCallerDropsItsPointerWhile
     EXPECT_EQ(finish(), Starts{});
     EXPECT_EQ(issuer.callCount(), 0U);
     EXPECT_EQ(playFileCounters().audioRequestsDropped, before + 1);
+}
+
+/// The queue's second reference counts for the first round, and nothing is left for the second one.
+TEST_F(AudioReadQueueTest, ReadsOnceWhatWaitsTwiceAndIsHeldByNobodyElse) {
+    occupyWorker();
+    AudioRequestPtr request = ask({.start = 7});
+    queue->queueReadRequest(request);
+    request = nullptr;
+    EXPECT_EQ(finish(), Starts{7});
 }
 
 TEST_F(AudioReadQueueTest, ServesWhatIsHeldAmongWhatWasDropped) {

@@ -218,6 +218,15 @@ TEST_F(BrokenStreamTest, DoesNotReportAFrameThatCannotBeDecodedAfterTheFirstSamp
     EXPECT_TRUE(isAll(bytesBehind(request->buffer), scribble)) << "only the end of the packets is padded";
 }
 
+TEST_F(BrokenStreamTest, CountsTheSamplesOfAFirstFrameThatIsDecodedBadly) {
+    decoder->answer = [](DecodeCall const&) { return DecodeAnswer{7, frameSize}; };
+    openWithDecoder();
+    AudioRequestPtr const request = readFrames(3, 3);
+    EXPECT_EQ(request->getRequestStatus(), requestComplete);
+    EXPECT_EQ(request->buffer.getSampleCount(), 100U);
+    EXPECT_EQ(samplesOf(request->buffer), decodedFrames(3, 1, 0));
+}
+
 TEST_F(BrokenStreamTest, IsPaddedWithSilenceWhereThePacketsEnd) {
     openWithDecoder();
     AudioRequestPtr const request = readFrames(packetCount - 1, 3);

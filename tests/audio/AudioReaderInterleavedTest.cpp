@@ -150,6 +150,15 @@ TEST_F(AudioReaderInterleavedTest, DoesNotReportAFailureAfterTheFirstSamples) {
     EXPECT_EQ(log.log(), test::LogRecorder::Lines{});
 }
 
+TEST_F(AudioReaderInterleavedTest, CountsTheSamplesOfAFirstFrameThatIsDecodedBadly) {
+    decoder->answer = [](DecodeCall const&) { return DecodeAnswer{7, frameSize}; };
+    openWithDecoder();
+    AudioRequestPtr const request = readFrames(3, 3);
+    EXPECT_EQ(request->getRequestStatus(), requestComplete);
+    EXPECT_EQ(request->buffer.getSampleCount(), 100U);
+    EXPECT_EQ(samplesOf(request->buffer), decodedFrames(3, 1, 0));
+}
+
 TEST_F(AudioReaderInterleavedTest, DoesNotMindSamplesThatCannotBeSplit) {
     openWithDecoder(0);
     AudioRequestPtr const request = readFrames(0);

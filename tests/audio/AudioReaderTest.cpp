@@ -1,4 +1,6 @@
 /// One read of a file's sound, as far as it isn't compressed: what is read and what is served from memory.
+#include <array>
+
 #include "tests/audio/AudioFixture.h"
 #include "tests/fakes/ByteHolder.h"
 
@@ -139,6 +141,29 @@ TEST_F(AudioReaderTest, GoesOnAfterAReadOfAsManySamplesAsASampleHasBytes) {
     EXPECT_EQ(script->reads().size(), 3U);
 }
 
+/// A read of 4 bytes a sample that comes in 8 samples and then in the last 2.
+class SmallLastReadTest : public SoundFixture {
+protected:
+    SmallLastReadTest() {
+        script->answer = [](SoundRead const& asked) {
+            return SoundAnswer{.samplesRead = asked.sample == 0 ? 8U : 2U};
+        };
+        open({soundFormat(2, 4)});
+    }
+};
+
+TEST_F(SmallLastReadTest, CountsAsTheEndOfTheData) {
+    AudioRequestPtr request = makeSoundRequest(file, {.count = 10});
+    Ox::Ptr<ByteBufferImpl> buffer;
+    EXPECT_EQ(file->readAudioByAudioSamples(buffer, request), oxEndOfData);
+}
+
+TEST_F(SmallLastReadTest, IsKept) {
+    AudioRequestPtr const request = read({.count = 10});
+    EXPECT_EQ(request->getRequestStatus(), requestComplete);
+    EXPECT_EQ(bytesOf(request->buffer), madeChannel(0, 0, 0, 10, 4));
+}
+
 TEST_F(AudioReaderTest, LeavesNothingOutOfATinyRequest) {
     open({soundFormat(2, 4)});
     AudioRequestPtr const request = read({.start = 6, .count = 1});
@@ -158,6 +183,43 @@ TEST_F(AudioReaderTest, ReadsNothingForARequestOfNoSamples) {
     EXPECT_EQ(request->getRequestStatus(), requestComplete);
     EXPECT_EQ(request->getUsed(), 0U);
     EXPECT_EQ(script->reads(), Reads{});
+}
+
+TEST_F(AudioReaderTest, FindsAStreamEmptyAfterARequestOfNoSamplesAtItsStart) {
+    open({soundFormat(2)});
+    read({.start = 0, .count = 0});
+    AudioRequestPtr const request = read({.channel = 1, .start = 500});
+    EXPECT_EQ(request->getRequestStatus(), requestComplete);
+    EXPECT_EQ(request->getUsed(), 0U);
+    EXPECT_EQ(script->reads(), Reads{});
+}
+
+/// Notes what the three output values hold when a read is asked for.
+class OutputWatcher : public ScriptedSound {
+public:
+    using Outputs = std::array<unsigned, 3>;
+    using ScriptedSound::ScriptedSound;
+
+    OxResult readAudioSamples(unsigned int stream, unsigned long sample, unsigned int count,
+                              Ox::Ptr<ByteBufferImpl>& buffer, unsigned int& samplesRead,
+                              unsigned int& skipStart, unsigned int& skipEnd) override {
+        outputs.push_back({samplesRead, skipStart, skipEnd});
+        return ScriptedSound::readAudioSamples(stream, sample, count, buffer, samplesRead, skipStart,
+                                               skipEnd);
+    }
+
+    std::vector<Outputs> outputs;
+};
+
+TEST_F(AudioReaderTest, AsksForEveryReadWithTheOutputsAtZero) {
+    script->answer = [](SoundRead const&) {
+        return SoundAnswer{.samplesRead = 40, .skipStart = 3, .skipEnd = 4};
+    };
+    auto const watcher =
+        Ox::makePtr<OutputWatcher>("sound", OpenType::audio, script, std::vector{soundFormat(2)});
+    file = watcher;
+    read({.count = 120});
+    EXPECT_EQ(watcher->outputs, std::vector<OutputWatcher::Outputs>(3));
 }
 
 TEST_F(AudioReaderTest, ReadsIntoABufferWithRoomToSpare) {
