@@ -20,8 +20,7 @@ public:
     ///
     /// @param streamIndex  the audio stream that is wanted
     /// @return never empty
-    [[nodiscard]] static Ptr<PreOpenRequest> create(Cookie const& cookie, DecodeFormat const& format,
-                                                    int streamIndex);
+    static Ptr<PreOpenRequest> create(Cookie const& cookie, DecodeFormat const& format, int streamIndex);
 
     PreOpenRequest(Cookie const& material, DecodeFormat const& wanted, int stream)
         : cookie(material), format(wanted), streamIndex(stream) {}

@@ -21,18 +21,21 @@ bool isInRange(PlayFileMetadataRep const& metadata, std::int32_t position) {
     return position >= 0 && (count == 1 || static_cast<std::uint32_t>(position) < count);
 }
 
-/// Serves the poster at once, on this thread, without the reader.
-void completePosterRequest(Ox::Ptr<VideoReadRequest>& request, Ox::Ptr<FileReadInstance>& file,
-                           eResultType resultType, DecodeFormat const& format,
-                           Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer) {
+/// Serves the poster at once, on this thread, without the reader. The issuer may let go of the request while
+/// it is told. Answers what the trace calls it.
+std::uint64_t completePosterRequest(Ox::Ptr<VideoReadRequest>& request, Ox::Ptr<FileReadInstance>& file,
+                                    eResultType resultType, DecodeFormat const& format,
+                                    Ox::Ptr<ReadRequestIssuer::Proxy> const& issuer) {
     Ox::Ptr<IndexInfoRep> noIndexInfo;
-    request = Ox::makePtr<VideoReadRequest>(file, noIndexInfo, 0U, resultType, format, issuer);
+    auto const own = Ox::makePtr<VideoReadRequest>(file, noIndexInfo, 0U, resultType, format, issuer);
+    request = own;
     Ox::Image::Surface const poster(file->metadata->posterSurface);
     auto const buffer = Ox::makePtr<FrameBufferRep>(poster, 0U);
-    stampBuffer(*buffer, *request);
+    stampBuffer(*buffer, *own);
     buffer->setDecompressComplete(FrameBufferRep::done);
-    request->setResultBuffer(buffer);
-    request->requestHasCompleted(requestComplete);
+    own->setResultBuffer(buffer);
+    own->requestHasCompleted(requestComplete);
+    return own->number;
 }
 
 }  // namespace
@@ -49,8 +52,7 @@ OxResult PlayFileCache::videoReadRequest(Ox::Ptr<VideoReadRequest>& request, Coo
     }
     slice.of(file->filename);
     if (position == 0 && file->metadata->posterSurface.valid()) {
-        completePosterRequest(request, file, resultType, format, issuer);
-        slice.about(request->number);
+        slice.about(completePosterRequest(request, file, resultType, format, issuer));
         return oxSuccess;
     }
     if (!isInRange(*file->metadata, position)) {

@@ -62,7 +62,13 @@ unsigned int StreamingDecodeReader::readVideo(Ox::Ptr<FrameBufferRep>& buffer,
     if (!wakeEvent) {
         beginStreamDecode();
     }
-    return decodeThread ? readVideoStreaming(buffer, request) : readVideoDirect(buffer, request);
+    bool const isStreaming = decodeThread || isHeld(request->frame);
+    return isStreaming ? readVideoStreaming(buffer, request) : readVideoDirect(buffer, request);
+}
+
+bool StreamingDecodeReader::isHeld(unsigned int frame) {
+    LockScope const scope(*decodeLock);
+    return framePresent(currentBatch, frame) || framePresent(previousBatch, frame);
 }
 
 /// Where the system gives no thread, the file is read straight.

@@ -31,7 +31,8 @@ public:
     /// Starts no thread.
     StreamingDecodeReader(LightweightString<wchar_t> const& name, DecodeFormat const& format, OpenType type);
 
-    /// Reads straight or streaming, as the metadata say; streaming begins at the first read.
+    /// Reads straight or streaming, as the metadata say; streaming begins at the first read. What isn't held
+    /// is read straight as well where there is no decoder thread.
     unsigned int readVideo(Ox::Ptr<FrameBufferRep>& buffer, Ox::Ptr<VideoReadRequest>& request) override;
 
     /// Decodes all frames of a batch into its surfaces, on the decoder thread. The result isn't looked at.
@@ -80,6 +81,7 @@ protected:
     std::atomic<bool> running{false};
 
 private:
+    [[nodiscard]] bool isHeld(unsigned int frame);
     [[nodiscard]] bool findHeld(unsigned int frame, Ox::Image::Surface& surface);
     void giveUpPreviousBatch();
     void finishCurrentBatch();

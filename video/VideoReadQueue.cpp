@@ -42,14 +42,16 @@ VideoReadQueue::~VideoReadQueue() {
 
 /// The worker is woken when the lock has been left: woken under it, it would go back to sleep at once. If this is the
 /// worker, whose read has led to the next request, it looks again by itself; and then the queue may be ending, when
-/// nobody can hold it any more.
+/// nobody can hold it any more. The issuer of a request that comes too late may let go of it while it is told.
 unsigned int VideoReadQueue::queueReadRequest(Ptr<VideoReadRequest>& request) {
     ExternalPtr<DecouplingQueue<VideoReadRequest>> woken;
+    Ptr<VideoReadRequest> failed;
     {
         ScopedLock const scope(lock());
         if (!queue) {
             PlayFileCounters::add(playFileCounters().framesFailed);
-            request->requestHasCompleted(requestFailed);
+            failed = request;
+            failed->requestHasCompleted(requestFailed);
             return 1;
         }
         Ptr<VideoReadRequest> found = findMatchingRequest(request);

@@ -124,6 +124,18 @@ TEST_F(IssuersTTest, LetsTheNotifiedThreadAddToTheSameSet) {
     EXPECT_TRUE(issuers.empty());
 }
 
+TEST_F(IssuersTTest, AddsFromASetThatAnotherThreadIsTelling) {
+    Gate told{false};
+    RecordingIssuer slow([&](RecordingIssuer::Call const&) { told.pass(); });
+    IssuersT others(slow.getProxy());
+    std::jthread telling([&] { tell(others); });
+    EXPECT_TRUE(told.waitForArrivals(1));
+    IssuersT issuers(first.getProxy());
+    issuers.addIssuersFrom(others);
+    EXPECT_FALSE(issuers.empty());
+    told.open();
+}
+
 TEST_F(IssuersTTest, IsEmptyWhenMadeFromNothing) {
     IssuersT issuers;
     EXPECT_TRUE(issuers.empty());

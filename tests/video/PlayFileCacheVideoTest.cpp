@@ -29,11 +29,14 @@ protected:
     }
     ~PlayFileCacheVideoTest() override { request = nullptr; }
 
-    OxResult ask(int frame, eResultType resultType = resultAsDelivered) {
+    OxResult ask(int frame, eResultType resultType, RecordingIssuer& told) {
         DecodeFormat format;
         format.setWidth(320);
         return PlayFileCache::Shared()->videoReadRequest(request, cookie, frame, false, resultType, format,
-                                                         issuer.getProxy());
+                                                         told.getProxy());
+    }
+    OxResult ask(int frame, eResultType resultType = resultAsDelivered) {
+        return ask(frame, resultType, issuer);
     }
     /// Asks for a frame and gives the number in the file that was read; the maximum if none was.
     std::uint32_t frameReadFor(int frame) {
@@ -295,6 +298,12 @@ TEST_F(PosterTest, ComesInAStampedBufferWithNothingLeftToDecompress) {
     EXPECT_EQ(buffer->decompressStatus, FrameBufferRep::done);
     EXPECT_EQ(buffer->decodeFormat.getWidth(), 320U);
     EXPECT_EQ(buffer->getStartValidFrameIndex(), 0U);
+}
+
+TEST_F(PosterTest, ItsIssuerMayLetGoOfTheRequest) {
+    RecordingIssuer lettingGo([this](RecordingIssuer::Call const&) { request = nullptr; });
+    EXPECT_EQ(ask(0, resultAsDelivered, lettingGo), oxSuccess);
+    EXPECT_FALSE(request);
 }
 
 TEST_F(PosterTest, IsServedForWhicheverFrameTheStartOffsetMakesPositionZero) {

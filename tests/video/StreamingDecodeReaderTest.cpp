@@ -289,6 +289,19 @@ TEST_F(StreamingDecodeReaderTest, ADoubleDecodeFinishesTheFirstFrameOnly) {
     second_ = second;
 }
 
+TEST_F(StreamingDecodeReaderTest, ARunThatWasLeftUnfinishedIsLookedAtAgainAndWaitedFor) {
+    stream->isForgotten = [](unsigned frame) { return frame == 3; };
+    picture(0);
+    stream->waitUntilIdle();
+    Surface last = read(3);
+    LogWithGate log(calls);
+    std::jthread reading([this] { read(4); });
+    EXPECT_TRUE(log.written.waitForArrivals(2));
+    EXPECT_EQ(calls->with("Double"), loggedToBoth("Double decode of 0\n"));
+    EXPECT_EQ(stream->current()->getStartValidFrameIndex(), 0U);
+    last.set();
+}
+
 TEST_F(StreamingDecodeReaderTest, ARunWithoutPicturesIsFinishedAllTheSame) {
     stream->fails = [](unsigned) { return true; };
     Surface const surface = read(5);
@@ -364,6 +377,19 @@ TEST_F(StreamingDecodeReaderTest, EndsInMidRunWhenThatIsDecoded) {
     EXPECT_THAT(stream->decoded(), ElementsAre(Batch{0, 4}));
 }
 
+TEST_F(StreamingDecodeReaderTest, WhatIsHeldIsServedAfterTheEnd) {
+    picture(5);
+    stream->endStreamDecode();
+    EXPECT_EQ(picture(6), 6U);
+}
+
+TEST_F(StreamingDecodeReaderTest, WhatIsNotHeldIsReadStraightAfterTheEnd) {
+    picture(5);
+    stream->endStreamDecode();
+    read(9);
+    EXPECT_EQ(stream->directReads(), 1U);
+}
+
 TEST_F(StreamingDecodeReaderTest, WithoutAThreadItIsReadStraight) {
     NoThreads none;
     test::ForwardingOS os;
@@ -415,55 +441,6 @@ TEST_F(StreamEvents, OfTheRunThatGoesAwayAreAllSetInOrderBeforeTheNextIsBegun) {
     read(8);
     EXPECT_THAT(recorded.callsThatBegin("set"), ElementsAre("set 3", "set 4", "set 5", "set 6", "set 1"));
     stream->batchGate.open();
-}
-
-TEST(FramePresent, IsInsideTheBatchOnly) {
-    Surface const surface;
-    auto metadata = Ox::makePtr<PlayFileMetadataRep>(LightweightString<wchar_t>(L"x"));
-    auto batch = Ox::makePtr<FrameBufferRep>(metadata, 10U, 12U, FrameBufferRep::withEvents);
-    EXPECT_FALSE(StreamingDecodeReader::framePresent(batch, 9));
-    EXPECT_TRUE(StreamingDecodeReader::framePresent(batch, 10));
-    EXPECT_TRUE(StreamingDecodeReader::framePresent(batch, 12));
-    EXPECT_FALSE(StreamingDecodeReader::framePresent(batch, 13));
-}
-
-TEST(FramePresent, NothingIsInAnEmptyBatch) {
-    Ox::Ptr<FrameBufferRep> none;
-    EXPECT_FALSE(StreamingDecodeReader::framePresent(none, 0));
-}
-
-TEST(FrameRun, HasTheLastFrameToo) {
-    auto metadata = Ox::makePtr<PlayFileMetadataRep>(LightweightString<wchar_t>(L"x"));
-    EXPECT_EQ(FrameBufferRep(metadata, 10, 12, FrameBufferRep::withEvents).getNumFrames(), 3U);
-    EXPECT_EQ(FrameBufferRep(metadata, 10, 10, FrameBufferRep::withEvents).getNumFrames(), 1U);
-}
-
-TEST(FrameRun, BeginsWithoutPixelsAndUnfinished) {
-    auto metadata = Ox::makePtr<PlayFileMetadataRep>(LightweightString<wchar_t>(L"x"));
-    FrameBufferRep const run(metadata, 0, 1, FrameBufferRep::withEvents);
-    Surface surface;
-    ASSERT_TRUE(run.getSurface(1, surface));
-    EXPECT_FALSE(surface.valid());
-    EXPECT_EQ(surface.wait(0), Surface::waitTimedOut);
-}
-
-TEST(FrameRun, WithoutEventsNobodyWaits) {
-    auto metadata = Ox::makePtr<PlayFileMetadataRep>(LightweightString<wchar_t>(L"x"));
-    FrameBufferRep const run(metadata, 0, 1, FrameBufferRep::withoutEvents);
-    Surface surface;
-    ASSERT_TRUE(run.getSurface(0, surface));
-    EXPECT_EQ(surface.wait(0), Surface::waitFinished);
-}
-
-TEST(FrameRun, IsHeldToWhatAnIndexCanSay) {
-    auto metadata = Ox::makePtr<PlayFileMetadataRep>(LightweightString<wchar_t>(L"x"));
-    EXPECT_EQ(FrameBufferRep(metadata, 0, 99999, FrameBufferRep::withoutEvents).getNumFrames(), 65536U);
-    EXPECT_EQ(FrameBufferRep(metadata, 5, 3, FrameBufferRep::withoutEvents).getNumFrames(), 65536U);
-}
-
-TEST(FrameRun, WaitsForDecompression) {
-    auto metadata = Ox::makePtr<PlayFileMetadataRep>(LightweightString<wchar_t>(L"x"));
-    EXPECT_EQ(FrameBufferRep(metadata, 0, 1, FrameBufferRep::withEvents).decompressStatus, 1U);
 }
 
 }  // namespace

@@ -27,6 +27,28 @@ TEST_F(VideoReadQueueMergeTest, ReadsOnceForARequestThatComesDuringTheRead) {
     EXPECT_EQ(second.only().status, requestComplete);
 }
 
+TEST_F(VideoReadQueueMergeTest, TheIssuerOfAFrameThatIsHeldMayLetGoOfIt) {
+    RequestPtr held = read(5);
+    RequestPtr again;
+    RecordingIssuer lettingGo([&](RecordingIssuer::Call const&) { held = again = nullptr; });
+    again = make(5, {.issuer = &lettingGo});
+    queue.queueReadRequest(again);
+    EXPECT_EQ(lettingGo.only().status, requestComplete);
+}
+
+TEST_F(VideoReadQueueMergeTest, LetsGoOfWhatIsFinishedAsWell) {
+    script->readGate.close();
+    RequestPtr dropped = ask(5);
+    RequestPtr const held = ask(6, {.issuer = &first});
+    script->readGate.open();
+    ASSERT_TRUE(first.waitForCalls(1));
+    ASSERT_TRUE(threads.waitUntilIdle(script->readBy));
+    dropped = nullptr;
+    ASSERT_EQ(queue.getActiveCount(), 2U);
+    ask(6);
+    EXPECT_EQ(queue.getActiveCount(), 1U);
+}
+
 TEST_F(VideoReadQueueMergeTest, ReadsTwiceForDifferentFrames) {
     occupyWorker();
     RequestPtr const a = ask(5);

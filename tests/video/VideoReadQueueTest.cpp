@@ -323,6 +323,15 @@ TEST_F(VideoReadQueueTest, FailsARequestThatComesAfterShutdown) {
     EXPECT_EQ(first.only().status, requestFailed);
 }
 
+TEST_F(VideoReadQueueTest, TheIssuerOfARequestThatComesAfterShutdownMayLetGoOfIt) {
+    queue.shutdown(Shutdown::normalExit);
+    RequestPtr request;
+    RecordingIssuer lettingGo([&](RecordingIssuer::Call const&) { request = nullptr; });
+    request = make(5, {.issuer = &lettingGo});
+    queue.queueReadRequest(request);
+    EXPECT_EQ(lettingGo.only().status, requestFailed);
+}
+
 TEST_F(VideoReadQueueTest, ReleasesEverythingWhenItIsDestroyed) {
     auto other = std::make_unique<OpenedQueue>(calls);
     Ox::Ptr<FileReadInstance> const otherFile = makeVideoFile(script);
