@@ -116,7 +116,8 @@ public:
 
     /// Replaces every `what` by `with`, in place. Other holders of the block keep their text.
     ///
-    /// The inserted text is never searched again. An empty `what` changes nothing.
+    /// The inserted text is never searched again. An empty `what` changes nothing. Both texts may lie in
+    /// this string's own.
     ///
     /// @param whatLength  characters to cut at each place found, `npos` for all that follows it
     void substitute(CharT const* what, std::uint32_t whatLength, CharT const* with,
@@ -124,6 +125,7 @@ public:
         if (empty() || !what || *what == CharT() || whatLength == 0) {
             return;
         }
+        LightweightString const before(*this);
         CharT const* found = find(c_str(), what);
         while (found) {
             auto const position = static_cast<std::uint32_t>(found - c_str());

@@ -54,6 +54,23 @@ Registry& registry() {
     return immortal<Registry>();
 }
 
+/// Strikes a callback off those under way when it has ended, however it did.
+class ExecutionEnd {
+public:
+    explicit ExecutionEnd(Shutdown::CallbackPtr const& callback) : callback_(callback) {}
+    ~ExecutionEnd() {
+        std::lock_guard const scope(registry().lock);
+        std::erase_if(registry().executions,
+                      [&](Execution const& execution) { return execution.callback == callback_; });
+        registry().executionEnded.notify_all();
+    }
+    ExecutionEnd(ExecutionEnd const&) = delete;
+    ExecutionEnd& operator=(ExecutionEnd const&) = delete;
+
+private:
+    Shutdown::CallbackPtr const& callback_;
+};
+
 /// Runs one callback, unless it has been removed; the callback is let go without the lock.
 void execute(Shutdown::CallbackPtr const& callback, Shutdown::eExitType exitType) {
     auto& known = registry();
@@ -66,10 +83,8 @@ void execute(Shutdown::CallbackPtr const& callback, Shutdown::eExitType exitType
         }
         known.executions.push_back({taken, std::this_thread::get_id()});
     }
+    ExecutionEnd const end(taken);
     taken->execute(exitType);
-    std::lock_guard const scope(known.lock);
-    std::erase_if(known.executions, [&](Execution const& execution) { return execution.callback == taken; });
-    known.executionEnded.notify_all();
 }
 
 void runAtExit() {

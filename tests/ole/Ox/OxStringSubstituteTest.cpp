@@ -134,6 +134,18 @@ TEST(Substitute, TakesANewBlockAlsoForAnUnsharedString) {
     EXPECT_EQ(string.length(), 3U);
 }
 
+TEST(Substitute, MayInsertAPieceOfTheStringItself) {
+    Wide string(L"a.b.");
+    string.substitute(L".", 1, string.c_str(), 1);
+    EXPECT_STREQ(string.c_str(), L"aaba");
+}
+
+TEST(Substitute, MayLookForTheStringsOwnEnd) {
+    Wide string(L"a.b.");
+    string.substitute(string.c_str() + 3, 1, L"--", 2);
+    EXPECT_STREQ(string.c_str(), L"a--b--");
+}
+
 TEST(SubstitutedCopy, LeavesTheReceiver) {
     Wide const string(L"a$NUM$b$NUM$");
     EXPECT_STREQ(string.substitute(L"$NUM$", Wide(L"1")).c_str(), L"a1b1");

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -106,6 +107,14 @@ TEST_F(ShutdownTest, ACallbackMayLoseItsLastHolderWhileItRuns) {
     Shutdown::addCallback(owner->callback, 1);
     EXPECT_EQ((Names{"owned"}), run());
     EXPECT_EQ(nullptr, owner);
+}
+
+TEST_F(ShutdownTest, NobodyWaitsForACallbackThatHasThrown) {
+    Callback const failing = callback("failing", [] { throw std::runtime_error("disk full"); });
+    Shutdown::addCallback(failing, 1);
+    EXPECT_THROW(run(), std::runtime_error);
+    Threads const removing(1, [&] { Shutdown::removeCallback(failing); });
+    EXPECT_EQ((Names{"failing"}), ran_);
 }
 
 TEST_F(ShutdownTest, CallsAnOverriddenMember) {
