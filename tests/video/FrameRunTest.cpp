@@ -7,9 +7,15 @@ namespace {
 
 using Surface = Ox::Image::Surface;
 
-TEST(FramePresent, IsInsideTheBatchOnly) {
-    Surface const surface;
-    auto metadata = Ox::makePtr<PlayFileMetadataRep>(LightweightString<wchar_t>(L"x"));
+class FrameRun : public ::testing::Test {
+protected:
+    Ox::Ptr<PlayFileMetadataRep> metadata =
+        Ox::makePtr<PlayFileMetadataRep>(LightweightString<wchar_t>(L"x"));
+};
+
+using FramePresent = FrameRun;
+
+TEST_F(FramePresent, IsInsideTheBatchOnly) {
     auto batch = Ox::makePtr<FrameBufferRep>(metadata, 10U, 12U, FrameBufferRep::withEvents);
     EXPECT_FALSE(StreamingDecodeReader::framePresent(batch, 9));
     EXPECT_TRUE(StreamingDecodeReader::framePresent(batch, 10));
@@ -17,19 +23,17 @@ TEST(FramePresent, IsInsideTheBatchOnly) {
     EXPECT_FALSE(StreamingDecodeReader::framePresent(batch, 13));
 }
 
-TEST(FramePresent, NothingIsInAnEmptyBatch) {
+TEST_F(FramePresent, NothingIsInAnEmptyBatch) {
     Ox::Ptr<FrameBufferRep> none;
     EXPECT_FALSE(StreamingDecodeReader::framePresent(none, 0));
 }
 
-TEST(FrameRun, HasTheLastFrameToo) {
-    auto metadata = Ox::makePtr<PlayFileMetadataRep>(LightweightString<wchar_t>(L"x"));
+TEST_F(FrameRun, HasTheLastFrameToo) {
     EXPECT_EQ(FrameBufferRep(metadata, 10, 12, FrameBufferRep::withEvents).getNumFrames(), 3U);
     EXPECT_EQ(FrameBufferRep(metadata, 10, 10, FrameBufferRep::withEvents).getNumFrames(), 1U);
 }
 
-TEST(FrameRun, BeginsWithoutPixelsAndUnfinished) {
-    auto metadata = Ox::makePtr<PlayFileMetadataRep>(LightweightString<wchar_t>(L"x"));
+TEST_F(FrameRun, BeginsWithoutPixelsAndUnfinished) {
     FrameBufferRep const run(metadata, 0, 1, FrameBufferRep::withEvents);
     Surface surface;
     ASSERT_TRUE(run.getSurface(1, surface));
@@ -37,22 +41,19 @@ TEST(FrameRun, BeginsWithoutPixelsAndUnfinished) {
     EXPECT_EQ(surface.wait(0), Surface::waitTimedOut);
 }
 
-TEST(FrameRun, WithoutEventsNobodyWaits) {
-    auto metadata = Ox::makePtr<PlayFileMetadataRep>(LightweightString<wchar_t>(L"x"));
+TEST_F(FrameRun, WithoutEventsNobodyWaits) {
     FrameBufferRep const run(metadata, 0, 1, FrameBufferRep::withoutEvents);
     Surface surface;
     ASSERT_TRUE(run.getSurface(0, surface));
     EXPECT_EQ(surface.wait(0), Surface::waitFinished);
 }
 
-TEST(FrameRun, IsHeldToWhatAnIndexCanSay) {
-    auto metadata = Ox::makePtr<PlayFileMetadataRep>(LightweightString<wchar_t>(L"x"));
+TEST_F(FrameRun, IsHeldToWhatAnIndexCanSay) {
     EXPECT_EQ(FrameBufferRep(metadata, 0, 99999, FrameBufferRep::withoutEvents).getNumFrames(), 65536U);
     EXPECT_EQ(FrameBufferRep(metadata, 5, 3, FrameBufferRep::withoutEvents).getNumFrames(), 65536U);
 }
 
-TEST(FrameRun, WaitsForDecompression) {
-    auto metadata = Ox::makePtr<PlayFileMetadataRep>(LightweightString<wchar_t>(L"x"));
+TEST_F(FrameRun, WaitsForDecompression) {
     EXPECT_EQ(FrameBufferRep(metadata, 0, 1, FrameBufferRep::withEvents).decompressStatus, 1U);
 }
 
