@@ -1,6 +1,7 @@
 #include "host/posix/PosixEvent.h"
 
 #include <linux/futex.h>
+#include <sched.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -13,26 +14,50 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Sleeps while the word holds `value`, at most until `deadline`; false once that has passed.
-bool sleepWhile(std::atomic<std::int32_t>& word, std::int32_t value, Clock::time_point const* deadline) {
+/// A thread that has waited for no more than `shortWait` expects its next event soon, and looks for it as long
+/// as sleeping and being woken would take on a slow machine. With the time of being woken a wait that would have
+/// been caught by looking is still a short one.
+constexpr std::chrono::microseconds longestLook{100};
+constexpr std::chrono::microseconds shortWait{200};
+constexpr int pausesBetweenYields = 20;
+
+/// Of the calling thread.
+thread_local bool isNextExpectedSoon = false;
+
+/// A limit that passes at once tells nothing.
+void learn(Clock::duration waited, bool hasLimitPassed) noexcept {
+    if (waited > shortWait) {
+        isNextExpectedSoon = false;
+    } else if (!hasLimitPassed) {
+        isNextExpectedSoon = true;
+    }
+}
+
+/// Sleeps while the word holds `value`, at most until `limit`; false once that has passed.
+bool sleepWhile(std::atomic<std::int32_t>& word, std::int32_t value, Clock::time_point const* limit) {
     timespec left{};
-    if (deadline) {
-        auto const ns = std::chrono::nanoseconds(*deadline - Clock::now()).count();
+    if (limit) {
+        auto const ns = std::chrono::nanoseconds(*limit - Clock::now()).count();
         if (ns <= 0) {
             return false;
         }
         left.tv_sec = ns / 1'000'000'000;
         left.tv_nsec = ns % 1'000'000'000;
     }
-    syscall(SYS_futex, &word, FUTEX_WAIT_PRIVATE, value, deadline ? &left : nullptr, nullptr, 0);
+    syscall(SYS_futex, &word, FUTEX_WAIT_PRIVATE, value, limit ? &left : nullptr, nullptr, 0);
     return true;
 }
 
 }  // namespace
 
-bool EventWaiter::claim(std::int32_t result) noexcept {
-    std::int32_t expected = unclaimed;
-    return result_.compare_exchange_strong(expected, result);
+EventWaiter::eClaim EventWaiter::claim(std::int32_t result) noexcept {
+    std::int32_t before = result_.load(std::memory_order_relaxed);
+    while (before == unclaimed || before == asleep) {
+        if (result_.compare_exchange_weak(before, result)) {
+            return before == asleep ? eClaim::whileAsleep : eClaim::whileAwake;
+        }
+    }
+    return eClaim::late;
 }
 
 /// The word is only an address here: the kernel looks who sleeps there. If somebody else does by now, a
@@ -41,22 +66,45 @@ void EventWaiter::wake(std::atomic<std::int32_t>* word) noexcept {
     syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
 }
 
-std::int32_t EventWaiter::sleep(std::uint32_t waitMs) noexcept {
+std::int32_t EventWaiter::wait(std::uint32_t waitMs) noexcept {
     bool const isLimited = waitMs != iThreadEvent::noTimeLimit;
-    Clock::time_point const deadline =
-        isLimited ? Clock::now() + std::chrono::milliseconds(waitMs) : Clock::time_point();
-    while (result() == unclaimed) {
-        if (!sleepWhile(result_, unclaimed, isLimited ? &deadline : nullptr)) {
+    Clock::time_point const start = Clock::now();
+    Clock::time_point const limit = start + std::chrono::milliseconds(isLimited ? waitMs : 0);
+    if (isNextExpectedSoon) {
+        Clock::time_point const longest = start + longestLook;
+        lookUntil(isLimited ? std::min(limit, longest) : longest);
+    }
+    if (isUnclaimed()) {
+        sleepUntil(isLimited ? &limit : nullptr);
+        learn(Clock::now() - start, result() == limitPassed);
+    }
+    return result();
+}
+
+/// Yielding lets the very thread that is waited for run, if it shares the processor.
+void EventWaiter::lookUntil(Clock::time_point limit) const noexcept {
+    while (isUnclaimed() && Clock::now() < limit) {
+        for (int i = 0; i < pausesBetweenYields && isUnclaimed(); ++i) {
+            __builtin_ia32_pause();
+        }
+        sched_yield();
+    }
+}
+
+void EventWaiter::sleepUntil(Clock::time_point const* limit) noexcept {
+    std::int32_t before = unclaimed;
+    result_.compare_exchange_strong(before, asleep);
+    while (result() == asleep) {
+        if (!sleepWhile(result_, asleep, limit)) {
             claim(limitPassed);
         }
     }
-    return result();
 }
 
 iThreadEvent::eWaitResult PosixEvent::wait(std::uint32_t waitMs) {
     EventWaiter waiter;
     if (enlist(waiter, 0)) {
-        waiter.sleep(waitMs);
+        waiter.wait(waitMs);
         withdraw(waiter);
     }
     return waiter.result() == EventWaiter::limitPassed ? timedOut : signalled;
@@ -67,30 +115,34 @@ iThreadEvent::eWaitResult PosixEvent::wait(std::uint32_t waitMs) {
 /// The one who gets an automatic event is woken when the lock has been left: woken under it, he would run
 /// into it at once, as he takes himself out of the list, and sleep again.
 void PosixEvent::set() {
-    std::atomic<std::int32_t>* woken = nullptr;
+    Claimed claimed;
     {
         std::lock_guard const scope(lock_);
         if (isManualReset_) {
             wakeAll();
         } else {
-            woken = claimOldest();
+            claimed = claimOldest();
         }
-        isSet_ = !woken;
+        isSet_ = !claimed.isSomebody;
     }
-    if (woken) {
-        EventWaiter::wake(woken);
+    if (claimed.sleepsAt) {
+        EventWaiter::wake(claimed.sleepsAt);
     }
 }
 
-std::atomic<std::int32_t>* PosixEvent::claimOldest() {
-    auto const claimed = std::find_if(waiters_.begin(), waiters_.end(),
-                                      [](Entry const& entry) { return entry.waiter->claim(entry.index); });
-    return claimed == waiters_.end() ? nullptr : claimed->waiter->word();
+PosixEvent::Claimed PosixEvent::claimOldest() {
+    for (Entry const& entry : waiters_) {
+        EventWaiter::eClaim const claim = entry.waiter->claim(entry.index);
+        if (claim != EventWaiter::eClaim::late) {
+            return {true, claim == EventWaiter::eClaim::whileAsleep ? entry.waiter->word() : nullptr};
+        }
+    }
+    return {};
 }
 
 void PosixEvent::wakeAll() {
     for (Entry const& entry : waiters_) {
-        if (entry.waiter->claim(entry.index)) {
+        if (entry.waiter->claim(entry.index) == EventWaiter::eClaim::whileAsleep) {
             EventWaiter::wake(entry.waiter->word());
         }
     }
@@ -107,7 +159,7 @@ bool PosixEvent::enlist(EventWaiter& waiter, std::int32_t index) {
         waiters_.push_back({&waiter, index});
         return waiter.result() == EventWaiter::unclaimed;
     }
-    if (waiter.claim(index) && !isManualReset_) {
+    if (waiter.claim(index) != EventWaiter::eClaim::late && !isManualReset_) {
         isSet_ = false;
     }
     return false;

@@ -1,14 +1,20 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <mutex>
 #include <vector>
 
 #include "ole/os/Events.h"
 
-/// One sleeping thread, registered with every event that it waits for. Whoever claims it first, an event
+/// One waiting thread, registered with every event that it waits for. Whoever claims it first, an event
 /// or the thread itself, decides what the wait answers.
+///
+/// To be woken from the kernel's sleep costs microseconds, on a virtual machine tens of them, and most of all
+/// where two threads hand work to each other and back. So a thread whose last wait was a short one looks for
+/// a while whether it has been claimed, and lets other threads run meanwhile, before it sleeps; one that has
+/// waited for long sleeps at once. Who claims it while it looks needs no call into the kernel to wake it.
 ///
 /// Ownership  Lies on the stack of the thread that waits, which takes it out of every event before it
 ///            returns.
@@ -17,16 +23,35 @@ public:
     static constexpr std::int32_t unclaimed = -1;
     static constexpr std::int32_t limitPassed = -2;
 
-    /// True for the first caller only. If that isn't the waiting thread itself, it calls `wake` next.
-    bool claim(std::int32_t result) noexcept;
+    enum class eClaim {
+        late,         ///< Somebody else was first.
+        whileAwake,   ///< The thread will see it by itself.
+        whileAsleep,  ///< It is to be woken.
+    };
+
+    /// All but the first caller are late. If that isn't the waiting thread itself and that sleeps, it calls
+    /// `wake` next.
+    eClaim claim(std::int32_t result) noexcept;
     /// Wakes the thread that sleeps at this word, which may have gone on and left it meanwhile.
     static void wake(std::atomic<std::int32_t>* word) noexcept;
     [[nodiscard]] std::atomic<std::int32_t>* word() noexcept { return &result_; }
-    /// Sleeps until it is claimed or the limit has passed (then it claims itself); the result.
-    std::int32_t sleep(std::uint32_t waitMs) noexcept;
+    /// Waits until it is claimed or the limit has passed (then it claims itself); the result.
+    std::int32_t wait(std::uint32_t waitMs) noexcept;
+    /// The result; `unclaimed` before, as long as the thread hasn't begun to wait.
     [[nodiscard]] std::int32_t result() const noexcept { return result_.load(std::memory_order_acquire); }
 
 private:
+    using Clock = std::chrono::steady_clock;
+
+    static constexpr std::int32_t asleep = -3;  ///< Unclaimed, and the thread sleeps or is about to.
+
+    [[nodiscard]] bool isUnclaimed() const noexcept {
+        std::int32_t const now = result();
+        return now == unclaimed || now == asleep;
+    }
+    void lookUntil(Clock::time_point limit) const noexcept;
+    void sleepUntil(Clock::time_point const* limit) noexcept;
+
     std::atomic<std::int32_t> result_{unclaimed};
 };
 
@@ -55,8 +80,15 @@ private:
         std::int32_t index;
     };
 
-    /// Where the one sleeps who gets the event; null if there is nobody. With the lock held, like the next.
-    [[nodiscard]] std::atomic<std::int32_t>* claimOldest();
+    /// Who gets an automatic event.
+    struct Claimed {
+        bool isSomebody = false;
+        /// Null if that one doesn't sleep.
+        std::atomic<std::int32_t>* sleepsAt = nullptr;
+    };
+
+    /// With the lock held, like the next.
+    [[nodiscard]] Claimed claimOldest();
     void wakeAll();
 
     bool const isManualReset_;

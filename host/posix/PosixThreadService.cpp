@@ -63,7 +63,7 @@ int PosixThreadService::waitForAny(std::vector<ThreadEventPtr> const& events, st
         ++enlisted;
     }
     if (isWaiting) {
-        waiter.sleep(waitMs);
+        waiter.wait(waitMs);
     }
     for (std::size_t i = 0; i < enlisted; ++i) {
         static_cast<PosixEvent&>(*events[i]).withdraw(waiter);

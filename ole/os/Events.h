@@ -10,7 +10,7 @@
 /// An automatic-reset event wakes one waiter for each `set` and is clear again; a manual-reset event
 /// stays set, for all, until `reset`.
 ///
-/// Threads  Any. Waiting sleeps in the kernel, it never polls.
+/// Threads  Any. Waiting sleeps in the kernel; after a short wait the next one may look a moment first.
 class iThreadEvent : public virtual iObject {
 public:
     static constexpr std::uint32_t noTimeLimit = 0xFFFFFFFF;
