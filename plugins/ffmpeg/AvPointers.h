@@ -16,6 +16,7 @@ namespace playfile_ffmpeg {
 /// Frees an object of the FFmpeg libraries with the operation that belongs to it.
 struct AvDeleter {
     void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
+    void operator()(AVBufferPool* pool) const { av_buffer_pool_uninit(&pool); }
     void operator()(AVBufferRef* memory) const { av_buffer_unref(&memory); }
     void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
     void operator()(AVBSFContext* filter) const { av_bsf_free(&filter); }

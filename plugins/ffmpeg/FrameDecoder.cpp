@@ -24,6 +24,18 @@ void chooseThreads(AVCodecContext& context, AVCodec const& codec, FrameDecoder::
     context.thread_count = useful ? 0 : 1;
 }
 
+/// Without it a decoder's threads would leave the asking to the one that sends packets.
+void allowAnyThread(AVCodecContext& context) {
+#if LIBAVCODEC_VERSION_MAJOR < 60
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    context.thread_safe_callbacks = 1;
+#pragma GCC diagnostic pop
+#else
+    static_cast<void>(context);
+#endif
+}
+
 /// A want of memory says nothing about a packet.
 int checked(int code) {
     if (code == AVERROR(ENOMEM)) {
@@ -56,6 +68,9 @@ int FrameDecoder::openContext() {
     if (code >= 0) {
         context->has_b_frames = std::max(context->has_b_frames, static_cast<int>(reorderDepth_));
         chooseThreads(*context, *codec, threading_);
+        context->opaque = &memory_;
+        context->get_buffer2 = &FrameDecoder::getBuffer;
+        allowAnyThread(*context);
         code = avcodec_open2(context.get(), codec, nullptr);
     }
     if (code >= 0) {
@@ -65,6 +80,10 @@ int FrameDecoder::openContext() {
         errorsBeforeOpening_ = errorCount_;
     }
     return code;
+}
+
+int FrameDecoder::getBuffer(AVCodecContext* context, AVFrame* picture, int flags) {
+    return static_cast<PictureMemory*>(context->opaque)->giveTo(*context, *picture, flags);
 }
 
 bool FrameDecoder::hasFrameThreads(AVCodecID id) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "plugins/ffmpeg/AvPointers.h"
+#include "plugins/ffmpeg/PictureMemory.h"
 
 namespace playfile_ffmpeg {
 
@@ -63,10 +64,12 @@ private:
         : parameters_(parameters), reorderDepth_(reorderDepth), threading_(threading) {}
 
     int openContext();
+    static int getBuffer(AVCodecContext* context, AVFrame* picture, int flags);
 
     AVCodecParameters const& parameters_;
     uint32_t const reorderDepth_;
     eThreading threading_;
+    PictureMemory memory_;
     AvPtr<AVCodecContext> context_;
     bool hasEnded_ = false;
     bool isOutdated_ = false;  ///< To be opened anew, as `threading_` has changed.
