@@ -9,12 +9,13 @@ namespace {
 constexpr std::uint64_t mostBatchFrames = 16;
 /// A run onward begins with two frames and doubles until it has the most that a batch may have.
 constexpr std::uint32_t mostDoublings = 4;
-/// Pictures of a batch take so much at most, so that play onward takes little memory; but a decoder that
-/// has two to make wastes less time between batches.
-constexpr std::uint64_t mostBatchBytes = std::uint64_t{26} << 20;
+/// Pictures of a batch take so much at most: memory that is touched for the first time costs play onward more
+/// than further batches do. But a decoder that has two to make wastes less time between batches.
+constexpr std::uint64_t mostBatchBytes = std::uint64_t{10} << 20;
 constexpr std::uint64_t fewestFramesOfLargePictures = 2;
-/// A batch takes this part of all pictures at most.
-constexpr std::uint64_t batchesOfTheWhole = 8;
+/// A batch takes this part of all pictures at most: where many files play, their decoders fill the processors
+/// together, and what each decodes ahead of need is lost when it stops.
+constexpr std::uint64_t batchesOfTheWhole = 12;
 constexpr std::uint64_t fewestStored = 2;
 /// A frame at most this far from the one before is near.
 constexpr std::int64_t nearFrames = 16;

@@ -125,14 +125,19 @@ TEST(ReadPattern, KeepsWhatComesOutBeforeAJumpsEnd) {
 
 TEST(PictureRoom, GivesTheStoreWhatTwoBatchesLeave) {
     PictureRoom const hd = PictureRoom::of(384 * MiB, 3 * MiB);
-    EXPECT_EQ(hd.batch, 8U);
-    EXPECT_EQ(hd.store, 128U - 16);
+    EXPECT_EQ(hd.batch, 3U);
+    EXPECT_EQ(hd.store, 128U - 6);
 }
 
 TEST(PictureRoom, TakesSmallBatchesOfLargePictures) {
     PictureRoom const uhd = PictureRoom::of(384 * MiB, 12 * MiB);
     EXPECT_EQ(uhd.batch, 2U);
     EXPECT_EQ(uhd.store, 28U);
+}
+
+TEST(PictureRoom, TakesATwelfthOfThePicturesWhereThereAreFew) {
+    EXPECT_EQ(PictureRoom::of(96 * MiB, 3 * MiB).batch, 2U);
+    EXPECT_EQ(PictureRoom::of(48 * MiB, 3 * MiB).batch, 1U);
 }
 
 TEST(PictureRoom, TakesAtMostSixteenPicturesABatch) {
