@@ -87,9 +87,9 @@ void BundleDecoder::drain() {
 
 /// What isn't in the form that the stream was opened with counts as damage.
 void BundleDecoder::collect() {
-    while (AvPtr<AVFrame> frame = decoder_->receive()) {
+    while (AVFrame* const frame = decoder_->receive()) {
         if (isUsable(*frame)) {
-            fresh_.emplace_back(std::move(frame));
+            fresh_.emplace_back(*frame);
         }
     }
 }
@@ -132,13 +132,14 @@ void BundleDecoder::place(Bundle::Packet const& packet) {
     number(at);
 }
 
-/// The decoder may be at work on another thread, so it gets the frames back when it is fed next; and memory
-/// is cheapest to give back on the thread that took it.
+/// The decoder may be at work on another thread, so it gets the memory back when it is fed next.
 void BundleDecoder::forgetBefore(int64_t sample) {
     std::lock_guard const scope(lock_);
     inReach_.clear();
     while (!decoded_.empty() && decoded_.front().endSample() <= sample) {
-        forgotten_.push_back(decoded_.front().takeFrame());
+        if (AvPtr<AVBufferRef> memory = decoded_.front().takeMemory()) {
+            forgotten_.push_back(std::move(memory));
+        }
         decoded_.pop_front();
     }
 }

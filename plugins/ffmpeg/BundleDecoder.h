@@ -64,9 +64,9 @@ private:
 
     std::atomic<uint64_t> packetsFed_{0};
 
-    std::mutex lock_;                        ///< Of the next two.
-    std::deque<DecodedSound> decoded_;       ///< In ascending order.
-    std::vector<AvPtr<AVFrame>> forgotten_;  ///< For the decoder, which uses them again.
+    std::mutex lock_;                            ///< Of the next two.
+    std::deque<DecodedSound> decoded_;           ///< In ascending order.
+    std::vector<AvPtr<AVBufferRef>> forgotten_;  ///< Memory for the decoder, which uses it again.
     /// Those of `decoded_` that a bundle may find its samples in: they stay where they are while more come.
     std::vector<DecodedSound const*> inReach_;
 };

@@ -56,12 +56,19 @@ void copyAsItIs(ChannelView const& view, uint32_t count, size_t bytes, uint8_t* 
 
 }  // namespace
 
-DecodedSound::DecodedSound(AvPtr<AVFrame> frame)
-    : frame_(std::move(frame)),
-      sampleCount_(frame_->nb_samples),
-      channels_(frame_->ch_layout.nb_channels),
-      format_(static_cast<AVSampleFormat>(frame_->format)) {
-    std::copy_n(frame_->data, planes_.size(), planes_.begin());
+DecodedSound::DecodedSound(AVFrame& frame)
+    : sampleCount_(frame.nb_samples),
+      channels_(frame.ch_layout.nb_channels),
+      format_(static_cast<AVSampleFormat>(frame.format)) {
+    std::copy_n(frame.data, planes_.size(), planes_.begin());
+    bool const isOnePiece =
+        frame.buf[0] != nullptr && frame.buf[1] == nullptr && frame.extended_data == frame.data;
+    if (isOnePiece) {
+        memory_.reset(std::exchange(frame.buf[0], nullptr));
+    } else {
+        frame_ = makeFrame();
+        av_frame_move_ref(frame_.get(), &frame);
+    }
 }
 
 void DecodedSound::copyChannel(int channel, int64_t first, uint32_t count, Aud::eSampleFormat form,

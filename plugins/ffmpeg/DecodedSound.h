@@ -9,16 +9,16 @@
 
 namespace playfile_ffmpeg {
 
-/// A frame of decoded samples that has its place in the stream.
+/// Decoded samples that have their place in the stream.
 ///
-/// What its samples are and where they lie is noted here: who copies them on another thread touches nothing of the
-/// frame itself, which its decoder is about to use again.
+/// What they are and where they lie is noted here, and their memory is taken over: the frame that they came in is
+/// its decoder's again at once.
 ///
 /// Units        Samples of each channel, as decoded.
 class DecodedSound {
 public:
-    /// @param frame  of at least one channel
-    explicit DecodedSound(AvPtr<AVFrame> frame);
+    /// @param frame  of at least one channel; empty afterwards
+    explicit DecodedSound(AVFrame& frame);
 
     void placeAt(int64_t firstSample) { firstSample_ = firstSample; }
     [[nodiscard]] int64_t firstSample() const { return firstSample_; }
@@ -31,15 +31,16 @@ public:
     /// @param form  in which they are delivered
     void copyChannel(int channel, int64_t first, uint32_t count, Aud::eSampleFormat form, uint8_t* to) const;
 
-    /// Gives the frame away: there is nothing to copy any more.
-    [[nodiscard]] AvPtr<AVFrame> takeFrame() { return std::move(frame_); }
+    /// Gives the memory away, if it is one piece: there is nothing to copy any more.
+    [[nodiscard]] AvPtr<AVBufferRef> takeMemory() { return std::move(memory_); }
 
 private:
     [[nodiscard]] uint8_t const* plane(size_t number) const {
         return number < planes_.size() ? planes_[number] : frame_->extended_data[number];
     }
 
-    AvPtr<AVFrame> frame_;
+    AvPtr<AVBufferRef> memory_;
+    AvPtr<AVFrame> frame_;  ///< Of samples that lie in several pieces; else null.
     int64_t firstSample_ = 0;
     int sampleCount_;
     int channels_;

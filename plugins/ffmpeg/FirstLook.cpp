@@ -56,7 +56,7 @@ uint32_t FirstLook::take(AVPacket const& packet) {
     } else {
         decoder_->feed(&packet);
     }
-    while (AvPtr<AVFrame> const frame = decoder_->receive()) {
+    while (AVFrame const* const frame = decoder_->receive()) {
         samples += static_cast<uint32_t>(frame->nb_samples);
         if (!hasFrame_) {
             learn(*frame);
@@ -95,7 +95,7 @@ uint32_t FirstLook::drain() {
     uint32_t samples = 0;
     if (decoder_ && decoder_->isDelayed()) {
         decoder_->feed(nullptr);
-        while (AvPtr<AVFrame> const frame = decoder_->receive()) {
+        while (AVFrame const* const frame = decoder_->receive()) {
             samples += static_cast<uint32_t>(frame->nb_samples);
         }
     }

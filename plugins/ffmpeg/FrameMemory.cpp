@@ -6,7 +6,7 @@
 namespace playfile_ffmpeg {
 namespace {
 
-constexpr size_t mostFree = 64;
+constexpr size_t mostFree = 192;
 constexpr size_t parts = 8;
 constexpr size_t lineByteCount = 64;
 
@@ -40,13 +40,11 @@ AvPtr<AVBufferRef> FrameMemory::takeNext() {
     return next;
 }
 
-void FrameMemory::takeBack(AVFrame& frame) {
-    AVBufferRef* const memory = frame.buf[0];
-    bool const isOurs = memory != nullptr && memory->size == byteCount_ && av_buffer_is_writable(memory) == 1;
+void FrameMemory::takeBack(AvPtr<AVBufferRef> piece) {
+    bool const isOurs = piece && piece->size == byteCount_ && av_buffer_is_writable(piece.get()) == 1;
     if (isOurs && free_.size() < mostFree) {
-        free_.emplace_back(std::exchange(frame.buf[0], nullptr));
+        free_.push_back(std::move(piece));
     }
-    av_frame_unref(&frame);
     fetchPart();
 }
 

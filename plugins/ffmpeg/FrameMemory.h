@@ -18,8 +18,8 @@ class FrameMemory {
 public:
     /// Gives a piece to a frame whose format, number of samples and channel layout are set; false if there is no memory.
     bool giveTo(AVFrame& frame);
-    /// Empties a frame, and takes back its piece if nobody else holds it.
-    void takeBack(AVFrame& frame);
+    /// Takes back the piece that a frame had, if nobody else holds it.
+    void takeBack(AvPtr<AVBufferRef> piece);
     /// The next part of the next piece: few lines, as more than a processor fetches at once would make it wait.
     void fetchPart();
 

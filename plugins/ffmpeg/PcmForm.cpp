@@ -116,7 +116,7 @@ bool PcmForm::makeTable(AVCodecParameters const& parameters) {
     for (size_t byte = 0; byte < table_.size(); ++byte) {
         packet->data[byte] = static_cast<uint8_t>(byte);
     }
-    AvPtr<AVFrame> const frame = decoder->feed(packet.get()) ? decoder->receive() : nullptr;
+    AVFrame const* const frame = decoder->feed(packet.get()) ? decoder->receive() : nullptr;
     bool const isWhole =
         frame && frame->format == AV_SAMPLE_FMT_S16 && frame->nb_samples == static_cast<int>(table_.size());
     if (isWhole) {

@@ -4,6 +4,12 @@
 #include <utility>
 
 namespace playfile_ffmpeg {
+namespace {
+
+/// Packets that are fed between two looks at what is wanted: few, as a halt waits for them.
+constexpr uint32_t mostBetweenLooks = 4;
+
+}  // namespace
 
 SoundAhead::SoundAhead(std::function<bool()> feedNext)
     : feedNext_(std::move(feedNext)), hasThread_(beginThread("SoundAhead", iThread::normal)) {}
@@ -53,14 +59,20 @@ void SoundAhead::threadFn() {
 /// Who waits is woken once, when there is what he needs.
 void SoundAhead::feedUntilTold(std::unique_lock<std::mutex>& lock) {
     while (!isEnding_ && !isHalted_ && given_ < wanted_) {
+        uint32_t const goal = given_ < needed_ ? needed_ : wanted_;
+        uint32_t const count = std::min(goal - given_, mostBetweenLooks);
         isFeeding_ = true;
         lock.unlock();
-        bool const isFed = feedNext_();
+        uint32_t fed = 0;
+        while (fed < count && feedNext_()) {
+            ++fed;
+        }
         lock.lock();
+        bool const isWaitedFor = given_ < needed_;
         isFeeding_ = false;
-        given_ += isFed ? 1 : 0;
-        isHalted_ = isHalted_ || !isFed;
-        if (isHalted_ || given_ == needed_) {
+        given_ += fed;
+        isHalted_ = isHalted_ || fed < count;
+        if (isHalted_ || (isWaitedFor && given_ >= needed_)) {
             isProgress_.notify_one();
         }
     }

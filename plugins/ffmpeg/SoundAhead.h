@@ -28,7 +28,7 @@ public:
     /// @return false, with feeding at a halt, if a packet couldn't be fed or the system gave no thread
     bool goOn(uint32_t given, uint32_t needed, uint32_t wanted);
 
-    /// Lets the packet that is being fed end, and feeds no more.
+    /// Lets the few packets that are being fed end, and feeds no more.
     void halt();
 
 protected:

@@ -17,7 +17,6 @@ constexpr std::array forgettingCodecs = {
     AV_CODEC_ID_MP2,  AV_CODEC_ID_MP3,      AV_CODEC_ID_VORBIS, AV_CODEC_ID_OPUS,   AV_CODEC_ID_FLAC,
     AV_CODEC_ID_ALAC, AV_CODEC_ID_WMAV1,    AV_CODEC_ID_WMAV2,  AV_CODEC_ID_WMAPRO, AV_CODEC_ID_DTS};
 
-constexpr size_t mostSpareFrames = 64;
 constexpr size_t leastBlock = 4096;
 
 }  // namespace
@@ -31,7 +30,7 @@ AvPtr<AVCodecParameters> copyOf(AVCodecParameters const& parameters) {
 }
 
 SoundDecoder::SoundDecoder(AvPtr<AVCodecParameters> parameters)
-    : parameters_(std::move(parameters)), packet_(makePacket()) {}
+    : parameters_(std::move(parameters)), packet_(makePacket()), frame_(makeFrame()) {}
 
 std::unique_ptr<SoundDecoder> SoundDecoder::open(AVCodecParameters const& parameters, std::string& error) {
     std::unique_ptr<SoundDecoder> decoder(new SoundDecoder(copyOf(parameters)));
@@ -143,26 +142,14 @@ int SoundDecoder::getBuffer(AVCodecContext* context, AVFrame* frame, int flags) 
     return static_cast<SoundDecoder*>(context->opaque)->memory_.giveTo(*frame) ? 0 : AVERROR(ENOMEM);
 }
 
-AvPtr<AVFrame> SoundDecoder::receive() {
+AVFrame* SoundDecoder::receive() {
     memory_.fetchPart();
-    if (spare_.empty()) {
-        spare_.push_back(makeFrame());
-    }
-    if (avcodec_receive_frame(context_.get(), spare_.back().get()) < 0) {
+    if (avcodec_receive_frame(context_.get(), frame_.get()) < 0) {
         return nullptr;
     }
     memory_.fetchPart();
     context_->flags2 &= ~AV_CODEC_FLAG2_SKIP_MANUAL;
-    AvPtr<AVFrame> frame = std::move(spare_.back());
-    spare_.pop_back();
-    return frame;
-}
-
-void SoundDecoder::giveBack(AvPtr<AVFrame> frame) {
-    if (spare_.size() < mostSpareFrames) {
-        memory_.takeBack(*frame);
-        spare_.push_back(std::move(frame));
-    }
+    return frame_.get();
 }
 
 bool SoundDecoder::isDelayed() const {

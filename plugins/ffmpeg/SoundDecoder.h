@@ -3,7 +3,7 @@
 #include <memory>
 #include <span>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "plugins/ffmpeg/AvPointers.h"
 #include "plugins/ffmpeg/FrameMemory.h"
@@ -29,10 +29,11 @@ public:
     bool feed(AVPacket const* packet);
     /// The same for a packet of which there is nothing but its bytes.
     bool feed(std::span<uint8_t const> bytes);
-    /// What came of it, frame by frame; empty when there is no more.
-    AvPtr<AVFrame> receive();
-    /// Takes back a frame that isn't needed any more, for its memory.
-    void giveBack(AvPtr<AVFrame> frame);
+    /// What came of it, frame by frame; null when there is no more. The frame is the decoder's own, and is used
+    /// for the next one.
+    AVFrame* receive();
+    /// Takes back the memory of a frame that isn't needed any more.
+    void giveBack(AvPtr<AVBufferRef> memory) { memory_.takeBack(std::move(memory)); }
 
     /// True if it still has samples when the last packet was taken.
     bool isDelayed() const;
@@ -50,7 +51,7 @@ private:
     AvPtr<AVPacket> const packet_;
     size_t blockByteCount_ = 0;  ///< Of the block that the packet has.
     FrameMemory memory_;
-    std::vector<AvPtr<AVFrame>> spare_;
+    AvPtr<AVFrame> const frame_;
 };
 
 /// A copy; throws std::bad_alloc when there is no memory.

@@ -11,9 +11,16 @@
 namespace playfile_ffmpeg {
 namespace {
 
-/// What is decoded at once when samples are read in order: a few blocks, as many as an editor that plays
-/// has under way.
-constexpr std::uint64_t aheadSamples = 16384;
+/// What is decoded at once when samples are read in order, over all channels: enough that the threads seldom wait
+/// for each other, and little enough to stay in a processor's caches.
+constexpr std::uint64_t aheadOfAllChannels = 131072;
+constexpr std::uint64_t leastAhead = 16384;
+constexpr std::uint64_t mostAhead = 65536;
+
+std::uint64_t aheadFor(SoundTrack const& track) {
+    auto const channels = static_cast<std::uint64_t>(std::max(track.form.channels, 1));
+    return std::clamp(aheadOfAllChannels / channels, leastAhead, mostAhead);
+}
 
 }  // namespace
 
@@ -88,8 +95,9 @@ void SoundServer::feedAhead(unsigned int stream, std::uint64_t first, std::uint6
     }
     CodedTrack& track = *file_->tracks()[stream].coded;
     auto const last = static_cast<std::uint64_t>(track.sampleCount());
-    uint32_t const wanted = track.packetsFor(static_cast<int64_t>(first),
-                                             static_cast<int64_t>(std::min(end + aheadSamples, last)));
+    uint32_t const wanted =
+        track.packetsFor(static_cast<int64_t>(first),
+                         static_cast<int64_t>(std::min(end + aheadFor(file_->tracks()[stream]), last)));
     uint32_t const needed = track.packetsFor(static_cast<int64_t>(first), static_cast<int64_t>(end));
     if (!feeding.ahead->goOn(track.packetsGiven(), needed, wanted)) {
         feeding.ahead->halt();
@@ -183,6 +191,7 @@ OxResult SoundServer::readBundle(unsigned int stream, std::uint64_t frame, ByteB
 }
 
 std::uint64_t SoundServer::endOf(unsigned int stream, std::uint64_t frame) const {
+    SoundTrack const& track = file_->tracks()[stream];
     std::uint64_t const frameSamples = streams[stream].samplesPerCodecFrame;
     std::uint64_t end = (frame + 1) * frameSamples;
     bool const isWanted = reading_ != nullptr && wanted_.stream == stream && frame >= wanted_.firstFrame;
@@ -192,9 +201,9 @@ std::uint64_t SoundServer::endOf(unsigned int stream, std::uint64_t frame) const
         end = std::max(end, wanted_.endSample);
     }
     if (endsRead && wanted_.decodesAhead) {
-        end = std::max(end, (wanted_.firstFrame + aheadSamples / frameSamples) * frameSamples);
+        end = std::max(end, (wanted_.firstFrame + aheadFor(track) / frameSamples) * frameSamples);
     }
-    return std::min(end, static_cast<std::uint64_t>(file_->tracks()[stream].sampleCount()));
+    return std::min(end, static_cast<std::uint64_t>(track.sampleCount()));
 }
 
 }  // namespace playfile_ffmpeg

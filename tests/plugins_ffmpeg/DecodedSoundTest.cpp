@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <utility>
 #include <vector>
 
 #include "plugins/ffmpeg/SoundForm.h"
@@ -32,9 +31,10 @@ AvPtr<AVFrame> frameOf(AVSampleFormat format, int channels, std::vector<Bytes> c
 }
 
 /// `from` counts in the frame.
-Bytes copied(AvPtr<AVFrame> frame, int channel, int64_t from, uint32_t count, Aud::eSampleFormat form) {
+Bytes copied(AvPtr<AVFrame> const& frame, int channel, int64_t from, uint32_t count,
+             Aud::eSampleFormat form) {
     constexpr int64_t place = 1000;
-    DecodedSound decoded(std::move(frame));
+    DecodedSound decoded(*frame);
     decoded.placeAt(place);
     Bytes bytes(size_t{count} * Aud::bytesPerSampleOf(form));
     decoded.copyChannel(channel, place + from, count, form, bytes.data());
@@ -43,12 +43,12 @@ Bytes copied(AvPtr<AVFrame> frame, int channel, int64_t from, uint32_t count, Au
 
 TEST(DecodedSound, TakesAChannelOutOfAPlane) {
     auto frame = frameOf(AV_SAMPLE_FMT_S16P, 2, {{1, 0, 2, 0, 3, 0}, {4, 0, 5, 0, 6, 0}});
-    EXPECT_EQ(copied(std::move(frame), 1, 1, 2, Aud::sampleS16), (Bytes{5, 0, 6, 0}));
+    EXPECT_EQ(copied(frame, 1, 1, 2, Aud::sampleS16), (Bytes{5, 0, 6, 0}));
 }
 
 TEST(DecodedSound, TakesAChannelFromBetweenTheOthers) {
     auto frame = frameOf(AV_SAMPLE_FMT_S16, 2, {{1, 0, 4, 0, 2, 0, 5, 0, 3, 0, 6, 0}});
-    EXPECT_EQ(copied(std::move(frame), 1, 1, 2, Aud::sampleS16), (Bytes{5, 0, 6, 0}));
+    EXPECT_EQ(copied(frame, 1, 1, 2, Aud::sampleS16), (Bytes{5, 0, 6, 0}));
 }
 
 TEST(DecodedSound, TakesSamplesOfEverySizeFromBetweenOthers) {
@@ -58,13 +58,13 @@ TEST(DecodedSound, TakesSamplesOfEverySizeFromBetweenOthers) {
         Bytes memory(4 * bytes, 0);
         std::fill_n(memory.begin() + static_cast<std::ptrdiff_t>(3 * bytes), bytes, uint8_t{7});
         auto frame = frameOf(format, 2, {memory});
-        EXPECT_EQ(copied(std::move(frame), 1, 1, 1, formOf(format, AV_CODEC_ID_FLAC, 0)), Bytes(bytes, 7));
+        EXPECT_EQ(copied(frame, 1, 1, 1, formOf(format, AV_CODEC_ID_FLAC, 0)), Bytes(bytes, 7));
     }
 }
 
 TEST(DecodedSound, PacksTheUpperBytesTo24Bits) {
     auto frame = frameOf(AV_SAMPLE_FMT_S32P, 1, {{0, 1, 2, 3, 0, 4, 5, 6}});
-    EXPECT_EQ(copied(std::move(frame), 0, 0, 2, Aud::sampleS24), (Bytes{1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(copied(frame, 0, 0, 2, Aud::sampleS24), (Bytes{1, 2, 3, 4, 5, 6}));
 }
 
 TEST(DecodedSound, MakesFloatingPointOf64Bits) {
@@ -85,8 +85,25 @@ TEST(DecodedSound, TakesAChannelBehindThosePlanesThatAFrameNotesItself) {
     EXPECT_EQ(copied(frameOf(AV_SAMPLE_FMT_U8P, 12, planes), 10, 0, 2, Aud::sampleU8), (Bytes{10, 110}));
 }
 
+TEST(DecodedSound, TakesTheMemoryOverAndLeavesTheFrameEmpty) {
+    AvPtr<AVFrame> const frame = frameOf(AV_SAMPLE_FMT_S16, 2, {{1, 0, 4, 0}});
+    uint8_t const* const memory = frame->buf[0]->data;
+    DecodedSound decoded(*frame);
+    EXPECT_EQ(frame->buf[0], nullptr);
+    EXPECT_EQ(decoded.takeMemory()->data, memory);
+}
+
+TEST(DecodedSound, KeepsSamplesThatLieInSeveralPieces) {
+    AvPtr<AVFrame> const frame = frameOf(AV_SAMPLE_FMT_S16P, 2, {{1, 0}, {4, 0}});
+    DecodedSound decoded(*frame);
+    EXPECT_FALSE(decoded.takeMemory());
+    Bytes bytes(2);
+    decoded.copyChannel(1, 0, 1, Aud::sampleS16, bytes.data());
+    EXPECT_EQ(bytes, (Bytes{4, 0}));
+}
+
 TEST(DecodedSound, EndsBehindItsSamplesWhereverItIsPlaced) {
-    DecodedSound decoded(frameOf(AV_SAMPLE_FMT_S16P, 2, {{1, 0, 2, 0, 3, 0}, {4, 0, 5, 0, 6, 0}}));
+    DecodedSound decoded(*frameOf(AV_SAMPLE_FMT_S16P, 2, {{1, 0, 2, 0, 3, 0}, {4, 0, 5, 0, 6, 0}}));
     decoded.placeAt(70);
     EXPECT_EQ(decoded.firstSample(), 70);
     EXPECT_EQ(decoded.endSample(), 73);

@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace test {
 namespace {
@@ -21,6 +22,11 @@ AvPtr<AVFrame> frameWith(FrameMemory& memory, int samples = usualSamples, int ch
     return frame;
 }
 
+/// The piece that a frame has.
+AvPtr<AVBufferRef> pieceOf(AVFrame& frame) {
+    return AvPtr<AVBufferRef>(std::exchange(frame.buf[0], nullptr));
+}
+
 TEST(FrameMemory, GivesEachChannelItsOwnPlane) {
     FrameMemory memory;
     AvPtr<AVFrame> const frame = frameWith(memory);
@@ -35,8 +41,7 @@ TEST(FrameMemory, UsesAgainWhatItGotBack) {
     FrameMemory memory;
     AvPtr<AVFrame> const first = frameWith(memory);
     uint8_t const* const data = first->buf[0]->data;
-    memory.takeBack(*first);
-    EXPECT_EQ(first->buf[0], nullptr);
+    memory.takeBack(pieceOf(*first));
     EXPECT_EQ(frameWith(memory)->buf[0]->data, data);
 }
 
@@ -45,8 +50,8 @@ TEST(FrameMemory, UsesWhatHasBeenFreeLongestFirst) {
     AvPtr<AVFrame> const first = frameWith(memory);
     AvPtr<AVFrame> const second = frameWith(memory);
     uint8_t const* const data = first->buf[0]->data;
-    memory.takeBack(*first);
-    memory.takeBack(*second);
+    memory.takeBack(pieceOf(*first));
+    memory.takeBack(pieceOf(*second));
     EXPECT_EQ(frameWith(memory)->buf[0]->data, data);
 }
 
@@ -54,14 +59,14 @@ TEST(FrameMemory, LeavesAloneWhatSomebodyElseStillHolds) {
     FrameMemory memory;
     AvPtr<AVFrame> const frame = frameWith(memory);
     AvPtr<AVFrame> const other(av_frame_clone(frame.get()));
-    memory.takeBack(*frame);
+    memory.takeBack(pieceOf(*frame));
     EXPECT_NE(frameWith(memory)->buf[0]->data, other->buf[0]->data);
 }
 
 TEST(FrameMemory, GivesNoPieceOfAnotherSize) {
     FrameMemory memory;
     AvPtr<AVFrame> const small = frameWith(memory, 100);
-    memory.takeBack(*small);
+    memory.takeBack(pieceOf(*small));
     EXPECT_GE(frameWith(memory, 2000)->buf[0]->size, 2000 * 2 * sizeof(float));
 }
 
@@ -69,7 +74,7 @@ TEST(FrameMemory, KeepsNoPieceOfAnEarlierSize) {
     FrameMemory memory;
     AvPtr<AVFrame> const small = frameWith(memory, 100);
     AvPtr<AVFrame> const large = frameWith(memory, 2000);
-    memory.takeBack(*small);
+    memory.takeBack(pieceOf(*small));
     EXPECT_GE(frameWith(memory, 2000)->buf[0]->size, 2000 * 2 * sizeof(float));
 }
 
@@ -93,11 +98,17 @@ TEST(FrameMemory, LeavesThePieceAsItIsHoweverOftenItIsFetched) {
     FrameMemory memory;
     AvPtr<AVFrame> frame = frameWith(memory);
     std::memset(frame->extended_data[0], 9, usualSamples * sizeof(float));
-    memory.takeBack(*frame);
+    memory.takeBack(pieceOf(*frame));
     for (int i = 0; i < 20; ++i) {
         memory.fetchPart();
     }
     EXPECT_EQ(frameWith(memory)->extended_data[0][0], 9);
+}
+
+TEST(FrameMemory, DoesWithoutThePieceOfAFrameThatHadNone) {
+    FrameMemory memory;
+    memory.takeBack(nullptr);
+    EXPECT_NE(frameWith(memory)->buf[0], nullptr);
 }
 
 TEST(FrameMemory, SaysWhenAFrameHasNoSamples) {

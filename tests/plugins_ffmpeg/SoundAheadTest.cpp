@@ -2,11 +2,14 @@
 #include "plugins/ffmpeg/SoundAhead.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <memory>
+#include <thread>
 
 #include "tests/fakes/Gate.h"
+#include "tests/support/ThreadState.h"
 
 namespace test {
 namespace {
@@ -76,6 +79,27 @@ TEST_F(SoundAheadTest, GoesOnAfterAFailure) {
     packetCount_ = 1000;
     EXPECT_TRUE(ahead_->goOn(3, 5, 5));
     EXPECT_EQ(fed_, 5U);
+}
+
+/// The first packet of several is held at a gate, while the second one becomes needed.
+TEST(SoundAheadNeed, IsMetThoughItAroseWhileSeveralPacketsWereBeingFed) {
+    Gate gate(false);
+    std::atomic<std::uint32_t> fed{0};
+    SoundAhead ahead([&] {
+        gate.pass();
+        ++fed;
+        return true;
+    });
+    EXPECT_TRUE(ahead.goOn(0, 0, 8));
+    EXPECT_TRUE(gate.waitForArrivals(1));
+    std::atomic<int> const waiting{gettid()};
+    std::thread opener([&] {
+        waitForSleep(waiting);
+        gate.open();
+    });
+    EXPECT_TRUE(ahead.goOn(0, 2, 8));
+    opener.join();
+    EXPECT_GE(fed, 2U);
 }
 
 /// The packet under way is held at a gate.

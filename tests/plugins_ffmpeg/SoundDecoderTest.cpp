@@ -39,7 +39,7 @@ private:
 std::string samplesOf(SoundDecoder& decoder, AVPacket const& packet) {
     std::string bytes;
     decoder.feed(&packet);
-    while (AvPtr<AVFrame> const frame = decoder.receive()) {
+    while (AVFrame const* const frame = decoder.receive()) {
         auto const size =
             static_cast<size_t>(frame->nb_samples) *
             static_cast<size_t>(av_get_bytes_per_sample(static_cast<AVSampleFormat>(frame->format)));

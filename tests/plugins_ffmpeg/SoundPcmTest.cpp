@@ -43,10 +43,10 @@ TEST_P(SoundPcmForm, GivesWhatTheDecoderGives) {
     std::string error;
     auto const decoder = SoundDecoder::open(*parameters, error);
     ASSERT_TRUE(decoder->feed(GetParam().stored)) << error;
-    AvPtr<AVFrame> frame = decoder->receive();
+    AVFrame* const frame = decoder->receive();
     ASSERT_TRUE(frame);
     Bytes bytes(GetParam().delivered.size());
-    DecodedSound(std::move(frame)).copyChannel(0, 0, 1, GetParam().form, bytes.data());
+    DecodedSound(*frame).copyChannel(0, 0, 1, GetParam().form, bytes.data());
     EXPECT_EQ(bytes, GetParam().delivered);
 }
 
