@@ -7,6 +7,7 @@
 #include "audio/AudioReadRequest.h"
 #include "files/PlayFileCache.h"
 #include "host/memory/MemoryCatalogue.h"
+#include "ole/os/OS.h"
 #include "playfile/playfile.h"
 #include "toolkit/plugins/Plugin.h"
 
@@ -26,13 +27,14 @@ public:
     /// Only the last of the channels wakes.
     void requestCompleted(Ox::Ptr<iObject>&, RequestStatus) override {
         if (waitingFor_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
-            waitingFor_.notify_one();
+            haveCome_->set();
         }
     }
 
     /// False if a channel was refused.
     bool ask(std::vector<Cookie> const& channels, SoundBlock const& block) {
         waitingFor_.store(static_cast<std::uint32_t>(channels.size()), std::memory_order_relaxed);
+        isUnderWay_ = true;
         for (std::size_t i = 0; i < channels.size(); ++i) {
             OxResult const result = PlayFileCache::Shared()->audioReadRequest(
                 requests_[i], channels[i], block.first, block.count, levelOriginal, getProxy(), true);
@@ -46,9 +48,9 @@ public:
 
     /// False if not all samples of all channels have come.
     bool waitForSamples() {
-        for (std::uint32_t left = waitingFor_.load(std::memory_order_acquire); left != 0;
-             left = waitingFor_.load(std::memory_order_acquire)) {
-            waitingFor_.wait(left, std::memory_order_acquire);
+        if (isUnderWay_) {
+            haveCome_->wait(iThreadEvent::noTimeLimit);
+            isUnderWay_ = false;
         }
         bool isGood = true;
         for (RequestPtr& request : requests_) {
@@ -67,6 +69,8 @@ private:
 
     std::vector<RequestPtr> requests_;
     std::atomic<std::uint32_t> waitingFor_{0};
+    ThreadEventPtr const haveCome_ = OS()->getThreads().makeEvent(false, false, 0);
+    bool isUnderWay_ = false;
 };
 
 /// A file in the catalogue, a cookie for each channel.

@@ -87,6 +87,7 @@ char const* nameOf(eCase which) {
 Frames framesOf(eCase which, std::uint32_t frameCount, std::uint32_t count, std::uint32_t seed) {
     switch (which) {
         case eCase::inOrder:
+        case eCase::interleaved:
             return framesInOrder(frameCount);
         case eCase::random:
             return randomFrames(frameCount, count, seed);
@@ -100,8 +101,6 @@ Frames framesOf(eCase which, std::uint32_t frameCount, std::uint32_t count, std:
             return Frames(count, frameCount / 2);
         case eCase::twoReaders:
             return framesInOrder(std::min(static_cast<std::uint32_t>(frameCount / readersOfAFile), count));
-        case eCase::interleaved:
-            return framesInOrder(std::min(frameCount, count));
     }
     return {};
 }
