@@ -33,7 +33,7 @@ size_t aligned(size_t byteCount) {
 
 /// Lines grow together: some decoders count on a plane's lines having twice the bytes of another's.
 bool layOutLines(AVPixelFormat format, int width, std::array<int, planeCount>& lineBytes) {
-    auto const step = static_cast<int>(alignment);
+    constexpr auto step = static_cast<int>(alignment);
     width = (width + step - 1) / step * step;
     bool isAligned = false;
     for (; !isAligned; width += step) {
@@ -41,7 +41,7 @@ bool layOutLines(AVPixelFormat format, int width, std::array<int, planeCount>& l
             return false;
         }
         isAligned = std::all_of(lineBytes.begin(), lineBytes.end(),
-                                [step](int lineSize) { return lineSize % step == 0; });
+                                [](int lineSize) { return lineSize % step == 0; });
     }
     return true;
 }
@@ -66,21 +66,20 @@ bool layOut(AVCodecContext& context, AVFrame const& picture, Layout& layout) {
     return true;
 }
 
-/// libavutil hands the size back as the opaque pointer.
-void unmap(void* byteCount, uint8_t* piece) {
-    munmap(piece, reinterpret_cast<size_t>(byteCount));
+void unmap(void* end, uint8_t* piece) {
+    munmap(piece, static_cast<size_t>(static_cast<uint8_t*>(end) - piece));
 }
 
 AVBufferRef* makePiece(size_t byteCount) {
     if (byteCount < leastMapped) {
         return av_buffer_allocz(byteCount);
     }
-    void* const piece = mmap(nullptr, byteCount, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (piece == MAP_FAILED) {
+    void* const memory = mmap(nullptr, byteCount, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED) {
         return nullptr;
     }
-    AVBufferRef* const buffer = av_buffer_create(static_cast<uint8_t*>(piece), byteCount, unmap,
-                                                 reinterpret_cast<void*>(byteCount), 0);
+    auto* const piece = static_cast<uint8_t*>(memory);
+    AVBufferRef* const buffer = av_buffer_create(piece, byteCount, unmap, piece + byteCount, 0);
     if (buffer == nullptr) {
         munmap(piece, byteCount);
     }
