@@ -9,7 +9,8 @@ import re
 import sys
 from pathlib import Path
 
-LINES_OF_A_TEST = 3
+LINES_OF_A_TEST = 16
+COLUMNS = 240
 TELLING = re.compile(r"Failure$|ERROR: |WARNING: ThreadSanitizer|SUMMARY: |runtime error|Assertion|what\(\)|timeout", re.I)
 
 
@@ -38,7 +39,7 @@ def report(folder):
         name = line.partition(":")[2]
         print(f"{folder.parent.parent.name}: {name}")
         for word in first_words(said.get(name, "")):
-            print(f"    {word[:160]}")
+            print(f"    {word[:COLUMNS]}")
 
 
 def main():
