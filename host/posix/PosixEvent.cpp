@@ -14,22 +14,23 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// A thread that has waited for no more than `shortWait` expects its next event soon, and looks for it as long
-/// as sleeping and being woken would take on a slow machine. With the time of being woken a wait that would have
-/// been caught by looking is still a short one.
+/// A thread that has waited for no more than `shortWait` expects its next event soon, and looks for it about twice
+/// as long as that wait took. With the time of being woken, tens of microseconds on a slow machine, a wait that
+/// would have been caught by looking is still a short one.
+constexpr std::chrono::microseconds leastLook{20};
 constexpr std::chrono::microseconds longestLook{100};
 constexpr std::chrono::microseconds shortWait{200};
-constexpr int pausesBetweenYields = 20;
+constexpr int pausesBetweenYields = 50;
 
-/// Of the calling thread.
-thread_local bool isNextExpectedSoon = false;
+/// How long the calling thread looks before it sleeps.
+thread_local Clock::duration nextLook{0};
 
 /// A limit that passes at once tells nothing.
 void learn(Clock::duration waited, bool hasLimitPassed) noexcept {
     if (waited > shortWait) {
-        isNextExpectedSoon = false;
+        nextLook = Clock::duration::zero();
     } else if (!hasLimitPassed) {
-        isNextExpectedSoon = true;
+        nextLook = std::min<Clock::duration>(2 * waited + leastLook, longestLook);
     }
 }
 
@@ -70,14 +71,14 @@ std::int32_t EventWaiter::wait(std::uint32_t waitMs) noexcept {
     bool const isLimited = waitMs != iThreadEvent::noTimeLimit;
     Clock::time_point const start = Clock::now();
     Clock::time_point const limit = start + std::chrono::milliseconds(isLimited ? waitMs : 0);
-    if (isNextExpectedSoon) {
-        Clock::time_point const longest = start + longestLook;
-        lookUntil(isLimited ? std::min(limit, longest) : longest);
+    if (nextLook > Clock::duration::zero()) {
+        Clock::time_point const lookEnd = start + nextLook;
+        lookUntil(isLimited ? std::min(limit, lookEnd) : lookEnd);
     }
     if (isUnclaimed()) {
         sleepUntil(isLimited ? &limit : nullptr);
-        learn(Clock::now() - start, result() == limitPassed);
     }
+    learn(Clock::now() - start, result() == limitPassed);
     return result();
 }
 

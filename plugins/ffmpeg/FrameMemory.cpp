@@ -7,8 +7,6 @@ namespace playfile_ffmpeg {
 namespace {
 
 constexpr size_t mostFree = 192;
-constexpr size_t parts = 8;
-constexpr size_t lineByteCount = 64;
 
 }  // namespace
 
@@ -25,13 +23,11 @@ bool FrameMemory::giveTo(AVFrame& frame) {
     }
     frame.buf[0] = takeNext().release();
     frame.extended_data = frame.data;
-    fetchPart();
     return frame.buf[0] != nullptr && av_samples_fill_arrays(frame.data, frame.linesize, frame.buf[0]->data,
                                                              channels, frame.nb_samples, format, 0) >= 0;
 }
 
 AvPtr<AVBufferRef> FrameMemory::takeNext() {
-    fetched_ = 0;
     if (free_.empty()) {
         return AvPtr<AVBufferRef>(av_buffer_allocz(byteCount_));
     }
@@ -44,19 +40,6 @@ void FrameMemory::takeBack(AvPtr<AVBufferRef> piece) {
     bool const isOurs = piece && piece->size == byteCount_ && av_buffer_is_writable(piece.get()) == 1;
     if (isOurs && free_.size() < mostFree) {
         free_.push_back(std::move(piece));
-    }
-    fetchPart();
-}
-
-/// The attribute makes it a fetch to write; processors that don't know that one do nothing.
-[[gnu::target("prfchw")]] void FrameMemory::fetchPart() {
-    if (free_.empty()) {
-        return;
-    }
-    uint8_t const* const next = free_.front()->data;
-    size_t const end = std::min(byteCount_, fetched_ + byteCount_ / parts + 1);
-    for (; fetched_ < end; fetched_ += lineByteCount) {
-        __builtin_prefetch(next + fetched_, 1);
     }
 }
 

@@ -96,18 +96,14 @@ void SoundDecoder::restartAtFirstPacket() {
 }
 
 bool SoundDecoder::feed(AVPacket const* packet) {
-    memory_.fetchPart();
     bool const isEmpty = packet != nullptr && packet->size == 0;
-    bool const isTaken = !isEmpty && avcodec_send_packet(context_.get(), packet) >= 0;
-    memory_.fetchPart();
-    return isTaken;
+    return !isEmpty && avcodec_send_packet(context_.get(), packet) >= 0;
 }
 
 bool SoundDecoder::feed(std::span<uint8_t const> bytes) {
     if (bytes.empty()) {
         return false;
     }
-    memory_.fetchPart();
     makeRoom(bytes.size());
     packet_->data = packet_->buf->data;
     packet_->size = static_cast<int>(bytes.size());
@@ -143,11 +139,9 @@ int SoundDecoder::getBuffer(AVCodecContext* context, AVFrame* frame, int flags) 
 }
 
 AVFrame* SoundDecoder::receive() {
-    memory_.fetchPart();
     if (avcodec_receive_frame(context_.get(), frame_.get()) < 0) {
         return nullptr;
     }
-    memory_.fetchPart();
     context_->flags2 &= ~AV_CODEC_FLAG2_SKIP_MANUAL;
     return frame_.get();
 }

@@ -86,25 +86,6 @@ TEST(FrameMemory, OutlivedByAFrameThatIsInUse) {
     EXPECT_EQ(frame->extended_data[1][0], 7);
 }
 
-TEST(FrameMemory, FetchesNothingWhereNothingIsFree) {
-    FrameMemory memory;
-    memory.fetchPart();
-    AvPtr<AVFrame> const frame = frameWith(memory);
-    memory.fetchPart();
-    EXPECT_NE(frame->buf[0], nullptr);
-}
-
-TEST(FrameMemory, LeavesThePieceAsItIsHoweverOftenItIsFetched) {
-    FrameMemory memory;
-    AvPtr<AVFrame> frame = frameWith(memory);
-    std::memset(frame->extended_data[0], 9, usualSamples * sizeof(float));
-    memory.takeBack(pieceOf(*frame));
-    for (int i = 0; i < 20; ++i) {
-        memory.fetchPart();
-    }
-    EXPECT_EQ(frameWith(memory)->extended_data[0][0], 9);
-}
-
 TEST(FrameMemory, DoesWithoutThePieceOfAFrameThatHadNone) {
     FrameMemory memory;
     memory.takeBack(nullptr);
