@@ -13,7 +13,7 @@ namespace {
 
 /// What is decoded at once when samples are read in order, over all channels: enough that the threads seldom wait
 /// for each other, and little enough to stay in a processor's caches.
-constexpr std::uint64_t aheadOfAllChannels = 131072;
+constexpr std::uint64_t aheadOfAllChannels = 262144;
 constexpr std::uint64_t leastAhead = 16384;
 constexpr std::uint64_t mostAhead = 65536;
 
