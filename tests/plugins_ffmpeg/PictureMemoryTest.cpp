@@ -74,6 +74,24 @@ TEST_P(PictureMemoryShape, HoldsWholeLines) {
     }
 }
 
+/// Decoders work on whole vectors, beyond a line's end if need be.
+TEST_P(PictureMemoryShape, LeavesRoomBehindEveryPlane) {
+    constexpr ptrdiff_t room = 128;
+    Shape const& shape = GetParam();
+    AvPtr<AVFrame> const picture = pictureOf(shape.format, shape.width, shape.height);
+    ptrdiff_t lines[4];
+    size_t sizes[4];
+    std::copy_n(picture->linesize, 4, lines);
+    ASSERT_GE(av_image_fill_plane_sizes(sizes, shape.format, shape.height, lines), 0);
+    uint8_t const* next = picture->buf[0]->data + picture->buf[0]->size;
+    for (int plane = 3; plane >= 0; --plane) {
+        if (sizes[plane] > 0) {
+            EXPECT_GE(next - (picture->data[plane] + sizes[plane]), room);
+            next = picture->data[plane];
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Shapes, PictureMemoryShape,
                          ::testing::Values(Shape{AV_PIX_FMT_YUV420P, 1920, 1080},
                                            Shape{AV_PIX_FMT_YUV420P, 33, 17},
